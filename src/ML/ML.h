@@ -1,0 +1,58 @@
+// The interpreter as its host sees it: create with sizes, compile files, run the top level, call handlers,
+// cut the stack back after each event.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "ML/STACK.h"
+
+namespace quelmark {
+
+struct InterpreterSizes {
+    std::int32_t codeBytes = 65536;
+    std::int32_t globals = 256;
+    std::int32_t functions = 256;
+    std::int32_t stackCells = 1024;
+};
+
+// Start-up order: operator tables, constants, code buffer, identifier tables, classes, standard functions,
+// String, File. The value stack is allocated by ExecInit.
+void InterpreterInit(const InterpreterSizes& sizes);
+// Frees everything; Init may follow again (tests).
+void InterpreterExit();
+
+// Compiles one script file and drops its private names. `path` is a host path; `name` is the file name
+// shown in messages. Returns the bytes of intermediate code added.
+std::int32_t CompileFile(std::string_view path);
+// The same from memory (cp932, or UTF-8 with a byte order mark); `name` stands in messages.
+std::int32_t CompileText(std::string_view name, std::string_view source);
+
+// Allocates the value stack and the global area.
+void ExecInit();
+// Runs the top-level code that has been compiled and not yet run, to its end.
+void ExecTopLevel();
+
+// Tells whether to stop the running script; polled at most every few milliseconds. Null: never.
+using BreakCheck = bool (*)();
+void SetBreakCheck(BreakCheck check);
+// Must be on before compiling to have an effect: each statement run writes a trace line to the trace log.
+void SetTrace(bool on);
+
+// The file (part after the last separator) and line of the statement being run, and of the scanner. An empty
+// file: none.
+struct SourcePosition {
+    const char* file;
+    std::int32_t line;
+};
+SourcePosition ExecPosition();
+SourcePosition ScanPosition();
+// After an error has unwound to the recovery point: forgets the abandoned frames and cuts the stack to mark.
+void ExecRecover(DataCell* mark);
+
+// For the usage report.
+std::int32_t CodeUsed();
+std::int32_t GlobalsUsed();
+std::int32_t FunctionsUsed();
+
+}  // namespace quelmark

@@ -1,0 +1,33 @@
+// The String class: immutable, NUL-terminated cp932 text in an object block.
+#pragma once
+
+#include <string_view>
+
+#include "ML/STACK.h"
+
+namespace quelmark {
+
+extern std::int32_t StringClass;
+
+// Registers the class, its members and operators.
+void StringRegister();
+
+// An empty String with room for `length` bytes and the NUL.
+ObjectBlock* StringAlloc(std::size_t length);
+// A String holding a copy of the text.
+ObjectBlock* StringNew(std::string_view text);
+// Releases the object a cell holds, if any, and makes the cell a new String.
+void StringSet(DataCell& cell, std::string_view text);
+// Pushes a new String.
+void StackPushString(std::string_view text);
+
+inline bool IsString(const DataCell& cell);
+// The text of a String cell, without the NUL; valid while the object lives.
+std::string_view StringText(const DataCell& cell);
+// The same as a C string.
+const char* StringChars(const DataCell& cell);
+
+}  // namespace quelmark
+
+#include "ML/FUNC.h"
+inline bool quelmark::IsString(const DataCell& cell) { return IsInstance(cell, StringClass); }

@@ -1,0 +1,78 @@
+// Polygons: records in the data buffer, the edit buffer CurrentPolygon, and the walk over the selected ones.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "MODEL/BUFFER.h"
+
+namespace quelmark {
+
+inline constexpr std::int32_t VERTEX_MIN = -32767;
+inline constexpr std::int32_t VERTEX_MAX = 32767;
+inline constexpr std::int32_t VERTEX_LIMIT = 1024;  // a polygon has 1 to 1023 vertices
+
+enum PolygonType : std::uint16_t { POLY_SIMPLE = 0, POLY_SHADE = 1, POLY_UV = 2, POLY_UVSHADE = 3 };
+inline constexpr std::uint16_t POLYGON_INVISIBLE = 1;  // bit of PolygonRecord::flags
+
+struct VertexRecord {
+    std::int16_t x, y, z;     // model coordinates
+    std::int16_t nx, ny, nz;  // normal of length 256, meaningful when type bit 0 is set
+    std::int16_t u, v;        // mapping coordinates, meaningful when type bit 1 is set
+};
+static_assert(sizeof(VertexRecord) == 16);
+
+struct PolygonRecord {
+    DataBuffer header;
+    std::int16_t select;
+    std::uint16_t type;
+    std::int16_t attr;
+    std::int16_t obj;
+    std::int16_t vers;
+    std::uint16_t flags;
+    std::int16_t normal[3];
+    std::int16_t reserved;
+    VertexRecord vertex[1];  // `vers` of them
+
+    std::span<VertexRecord> Vertices() { return {vertex, static_cast<std::size_t>(vers)}; }
+    std::span<const VertexRecord> Vertices() const { return {vertex, static_cast<std::size_t>(vers)}; }
+};
+static_assert(sizeof(PolygonRecord) == 40);
+
+extern PolygonRecord* CurrentPolygon;
+extern PolygonRecord* LoadedPolygon;
+extern std::int32_t MaxVertex;
+extern std::int32_t SelectCount;
+// Grows with every change of the model, its attributes or its objects; panes and views compare it to know
+// that they are stale.
+extern std::uint32_t AttrRevision;
+extern std::uint32_t ObjRevision;
+
+void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t attributeCount,
+               std::int32_t maxVertex);
+void ModelExit();
+
+// Bytes of a record of `vers` vertices; checks "0 < vers && vers < 1024".
+std::int32_t PolygonSize(std::int32_t vers);
+// The records, first to last; null at the end.
+PolygonRecord* PolygonTop();
+PolygonRecord* PolygonNext(PolygonRecord* polygon);
+// Newell's method; (0, 0, 0) for a degenerate polygon, else length 256.
+void PlaneNormal(std::span<const VertexRecord> vertices, std::int16_t normal[3]);
+
+// Appends CurrentPolygon; false when the buffer is full.
+bool PolygonAppend(bool select);
+// Deletes every selected polygon.
+void PolygonDelete();
+
+// Registers the class Vertex, the model constants and every function of polygons, attributes and objects.
+void PolygonRegister();
+
+// ---- script class Vertex ----
+extern std::int32_t VertexClass;
+struct VertexObject {
+    std::uint32_t valid;  // bit 0: the normal counts, bit 1: the mapping
+    VertexRecord vertex;
+};
+
+}  // namespace quelmark
