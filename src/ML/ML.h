@@ -22,8 +22,8 @@ void InterpreterInit(const InterpreterSizes& sizes);
 // Frees everything; Init may follow again (tests).
 void InterpreterExit();
 
-// Compiles one script file and drops its private names. `path` is a host path; `name` is the file name
-// shown in messages. Returns the bytes of intermediate code added.
+// Compiles one script file (script path) and drops its private names; messages name the part of the path
+// after the last separator. Returns the bytes of intermediate code added.
 std::int32_t CompileFile(std::string_view path);
 // The same from memory (cp932, or UTF-8 with a byte order mark); `name` stands in messages.
 std::int32_t CompileText(std::string_view name, std::string_view source);
@@ -47,8 +47,15 @@ struct SourcePosition {
 };
 SourcePosition ExecPosition();
 SourcePosition ScanPosition();
-// After an error has unwound to the recovery point: forgets the abandoned frames and cuts the stack to mark.
-void ExecRecover(DataCell* mark);
+// Where to go back to after an error: taken at a recovery point, before the handler is called.
+struct ExecMark {
+    DataCell* top;
+    std::int32_t depth;    // script frames
+    std::int32_t nesting;  // executors running inside each other
+};
+ExecMark ExecTakeMark();
+// Forgets the abandoned frames and cuts the stack back, which releases what they held.
+void ExecRecover(const ExecMark& mark);
 
 // For the usage report.
 std::int32_t CodeUsed();

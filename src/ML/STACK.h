@@ -1,8 +1,8 @@
 // Script values and the value stack. Every value a script handles is one 8-byte DataCell; all cells of
 // variables, arrays, arguments and temporaries live in one contiguous stack that never grows. Objects are
 // reference-counted blocks in a table of their own; a cell holds the block's 32-bit handle.
-// Invariant: every cell from StackBuf to StackBuf[StackPtr] is valid, and every OBJECT cell there (and in
-// an object table entry's owner) holds one reference.
+// Invariants: every OBJECT cell from StackBuf to StackBuf[StackPtr] holds one reference; no cell above the
+// top has the type OBJECT.
 #pragma once
 
 #include <cstddef>
@@ -76,8 +76,12 @@ ObjectBlock* ObjectAddRef(ObjectBlock* block);
 void ObjectRelease(ObjectBlock* block);
 // A new block of the cell's class and size with a copy of its data, reference count 1.
 ObjectBlock* ObjectClone(const DataCell& cell);
+// The blocks by handle; it moves when objects are made.
+extern ObjectBlock** ObjectTable;
 // The block of an OBJECT cell.
-ObjectBlock* ObjectOf(const DataCell& cell);
+inline ObjectBlock* ObjectOf(const DataCell& cell) { return ObjectTable[cell.object]; }
+// Gives the block room for `size` data bytes, keeping its handle and its data; the block may move.
+ObjectBlock* ObjectGrow(ObjectBlock* block, std::size_t size);
 inline DataCell ObjectCell(const ObjectBlock* block) {
     DataCell cell{TYPE_OBJECT, 0, {0}};
     cell.object = block->handle;
@@ -115,7 +119,10 @@ void StackPop();
 // Discards every cell above `mark`, releasing the objects held there; requires
 // StackBuf - 1 <= mark <= top.
 void StackRelease(DataCell* mark);
-// The largest StackPtr reached since StackInit.
+extern std::int32_t StackHighWater;  // always below MaxStack, so that one comparison serves every push
+// The top reaches `top` for the first time: remembers it, or reports the overflow.
+void StackRaiseHighWater(std::int32_t top);
+// The largest StackPtr reached since StackInit; MaxStack after an overflow.
 std::int32_t StackMaxUsed();
 
 // The cells of an ARRAY cell, its count read as unsigned; reports "配列の添え字が不正です" when the array
@@ -126,6 +133,12 @@ inline std::uint32_t ArrayCount(const DataCell& array) { return static_cast<std:
 // Replaces what a variable or element cell holds, with the references kept right (no array rules).
 void CellAssign(DataCell& destination, const DataCell& source);
 
+// snprintf of one real with a decimal point, whatever the locale.
+int FormatReal(char* buffer, std::size_t room, const char* format, double value)
+    __attribute__((format(printf, 3, 0)));
+// The leading real number of a text, with a decimal point whatever the locale; 0 when there is none. When `used` is
+// not null it gets the number of bytes read.
+double ParseReal(std::string_view text, std::size_t* used = nullptr);
 // Writes a readable, NUL-terminated form of a cell to `buffer` (4096 bytes) and returns its length.
 int CellToText(char* buffer, const DataCell& cell);
 

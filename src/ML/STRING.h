@@ -20,14 +20,14 @@ ObjectBlock* StringNew(std::string_view text);
 void StringSet(DataCell& cell, std::string_view text);
 // Pushes a new String.
 void StackPushString(std::string_view text);
+// text = text + value, in place: when `text` holds the only reference to a String and the value is a String or no
+// object. Otherwise false, and nothing has changed.
+bool StringAppend(DataCell& text, const DataCell& value);
 
-inline bool IsString(const DataCell& cell);
+bool IsString(const DataCell& cell);
 // The text of a String cell, without the NUL; valid while the object lives.
 std::string_view StringText(const DataCell& cell);
 // The same as a C string.
 const char* StringChars(const DataCell& cell);
 
 }  // namespace quelmark
-
-#include "ML/FUNC.h"
-inline bool quelmark::IsString(const DataCell& cell) { return IsInstance(cell, StringClass); }

@@ -1,0 +1,8 @@
+// The class File and the functions on paths: scripts' own text files.
+#pragma once
+
+namespace quelmark {
+
+void FileRegister();
+
+}  // namespace quelmark

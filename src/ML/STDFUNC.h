@@ -1,0 +1,31 @@
+// The standard functions: printing, conversion to text, types, indirect calls, mathematics.
+#pragma once
+
+#include <cstdint>
+
+#include "ML/STACK.h"
+
+namespace quelmark {
+
+void StandardRegister();
+
+// Hands the texts of the values, separated by one blank, to `write` one after the other.
+template <class Write>
+void WriteTexts(std::int32_t argc, const DataCell* argv, Write write);
+
+}  // namespace quelmark
+
+#include "ML/FUNC.h"
+#include "ML/STRING.h"
+
+template <class Write>
+void quelmark::WriteTexts(std::int32_t argc, const DataCell* argv, Write write) {
+    for (std::int32_t i = 0; i < argc; ++i) {
+        PushText(argv[i]);
+        write(StringText(*StackTop()));
+        StackPop();
+        if (i + 1 < argc) {
+            write(" ");
+        }
+    }
+}

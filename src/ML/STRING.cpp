@@ -1,0 +1,241 @@
+#include "ML/STRING.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "ML/ERROR.h"
+#include "ML/FUNC.h"
+#include "ML/SPRINTF.h"
+#include "text/cp932.h"
+#include "text/path.h"
+#include "text/sjis.h"
+
+namespace quelmark {
+
+std::int32_t StringClass = -1;
+
+namespace {
+
+void CheckObject(std::int32_t argc, const DataCell* argv) {
+    Check(argc > 0 && argv[0].type == TYPE_OBJECT, "buf[0].type == TYPE_OBJECT");
+}
+
+// The text of a method's first argument, which may have come as an object of another class.
+std::string_view SelfText(std::int32_t argc, const DataCell* argv) {
+    CheckObject(argc, argv);
+    return IsString(argv[0]) ? StringText(argv[0]) : std::string_view();
+}
+
+std::int32_t ToString(std::int32_t ident, std::int32_t argc, DataCell* argv) {
+    CheckObject(argc, argv);
+    if (argc == 1) {
+        StackPush(argv[0]);
+        return RESULT;
+    }
+    return CallInherited(StringClass, ident, argc, argv);
+}
+
+std::int32_t ToCode(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::string_view text = SelfText(argc, argv);
+    StackPushInt(text.empty() ? 0 : static_cast<signed char>(text[0]));
+    return RESULT;
+}
+
+std::int32_t FromCode(std::int32_t, std::int32_t, DataCell* argv) {
+    const auto byte = static_cast<char>(argv[0].integer & 0xFF);
+    StackPushString({&byte, byte == '\0' ? 0U : 1U});
+    return RESULT;
+}
+
+std::int32_t SubString(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::string_view text = SelfText(argc, argv);
+    const std::int64_t n = argv[1].integer;
+    const auto length = std::min(static_cast<std::size_t>(n < 0 ? -n : n), text.size());
+    StackPushString(n < 0 ? text.substr(text.size() - length) : text.substr(0, length));
+    return RESULT;
+}
+
+std::int32_t Search(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::string_view text = SelfText(argc, argv);
+    if (!IsString(argv[1])) {
+        RuntimeError("%s", "2番目の引数の型が不正です(String:search)"_sjis);
+    }
+    const std::string_view wanted = StringText(argv[1]);
+    std::int32_t offset = -1;
+    if (!wanted.empty()) {
+        if (const void* found = memmem(text.data(), text.size(), wanted.data(), wanted.size())) {
+            offset = static_cast<std::int32_t>(static_cast<const char*>(found) - text.data());
+        }
+    }
+    StackPushInt(offset);
+    return RESULT;
+}
+
+std::string_view SkipBlanks(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t\n\v\f\r");
+    return first == std::string_view::npos ? std::string_view() : text.substr(first);
+}
+
+std::int32_t ToInt(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::string_view text = SkipBlanks(SelfText(argc, argv));
+    // Out of range as the C library's atoi: through a long, cut to 32 bits.
+    const std::string digits(text.substr(0, text.find_first_not_of("+-0123456789")));
+    StackPushInt(static_cast<std::int32_t>(std::strtol(digits.c_str(), nullptr, 10)));
+    return RESULT;
+}
+
+std::int32_t ToReal(std::int32_t, std::int32_t argc, DataCell* argv) {
+    StackPushReal(ParseReal(SkipBlanks(SelfText(argc, argv))));
+    return RESULT;
+}
+
+std::int32_t Environment(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::string name = Cp932ToUtf8(SelfText(argc, argv));
+    const char* value = std::getenv(name.c_str());
+    StackPushString(value == nullptr ? std::string() : Utf8ToCp932Lossy(value));
+    return RESULT;
+}
+
+std::int32_t Access(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const auto path = HostPath(SelfText(argc, argv));
+    const int mode = argc > 1 ? argv[1].integer & (R_OK | W_OK | X_OK) : F_OK;
+    StackPushBool(path && access(path->c_str(), mode) == 0);
+    return RESULT;
+}
+
+template <char first, char last, int shift>
+std::int32_t MapBytes(std::int32_t, std::int32_t argc, DataCell* argv) {
+    std::string text(SelfText(argc, argv));
+    for (char& byte : text) {
+        byte = byte >= first && byte <= last ? static_cast<char>(byte + shift) : byte;
+    }
+    StackPushString(text);
+    return RESULT;
+}
+
+std::int32_t Sprintf(std::int32_t, std::int32_t argc, DataCell* argv) {
+    StackPushString(FormatText(SelfText(argc, argv), argc - 1, argv + 1));
+    return RESULT;
+}
+
+std::int32_t Concatenate(std::int32_t, std::int32_t argc, DataCell* argv) {
+    CheckObject(argc, argv);
+    if (!IsString(argv[1])) {
+        PushText(argv[1]);
+        std::swap(argv[1], *StackTop());
+        StackPop();
+    }
+    const std::string_view left = StringText(argv[0]);
+    const std::string_view right = StringText(argv[1]);
+    ObjectBlock* block = StringAlloc(left.size() + right.size());
+    auto* bytes = reinterpret_cast<char*>(block->Data());
+    std::memcpy(bytes, left.data(), left.size());
+    std::memcpy(bytes + left.size(), right.data(), right.size() + 1);
+    StackPushObject(block);
+    return RESULT;
+}
+
+std::int32_t Length(std::int32_t, std::int32_t argc, DataCell* argv) {
+    StackPushInt(static_cast<std::int32_t>(SelfText(argc, argv).size()));
+    return RESULT;
+}
+
+std::int32_t Compare(std::int32_t code, std::int32_t argc, DataCell* argv) {
+    CheckObject(argc, argv);
+    if (argc < 2 || !IsString(argv[1])) {
+        RuntimeError("%s", "比較演算の型が違います。(String)"_sjis);
+    }
+    const int order = StringText(argv[0]).compare(StringText(argv[1]));
+    const bool results[] = {order < 0, order > 0, order <= 0, order >= 0};
+    StackPushBool(code == OP_EQUAL ? order == 0 : code == OP_NOT_EQUAL ? order != 0 : results[code - OP_LESS]);
+    return RESULT;
+}
+
+constexpr BuiltIn FUNCTIONS[] = {
+    {"String", "tostring", ToString},
+    {"String", "strtoasc", ToCode},
+    {"String", "substr", SubString, Takes("String:substr", {TYPE_OBJECT, TYPE_INT})},
+    {"String", "search", Search, Takes("String:search", {TYPE_OBJECT, TYPE_OBJECT})},
+    {"String", "atoi", ToInt},
+    {"String", "atof", ToReal},
+    {"String", "getenv", Environment, Takes("getenv", {TYPE_OBJECT})},
+    {"String", "access", Access, Takes("access", {TYPE_OBJECT, TYPE_INT}, 1)},
+    {"String", "tolower", MapBytes<'A', 'Z', 'a' - 'A'>, Takes("tolower", {TYPE_OBJECT})},
+    {"String", "toupper", MapBytes<'a', 'z', 'A' - 'a'>, Takes("toupper", {TYPE_OBJECT})},
+    {"String", "sprintf", Sprintf},
+    {"", "asctostr", FromCode, Takes("asctostr", {TYPE_INT})},
+};
+
+constexpr BuiltInOperator OPERATORS[] = {
+    {"String", OP_ADD, Concatenate},     {"String", OP_NOT, Length},
+    {"String", OP_LESS, Compare},        {"String", OP_GREATER, Compare},
+    {"String", OP_LESS_EQUAL, Compare},  {"String", OP_GREATER_EQUAL, Compare},
+    {"String", OP_EQUAL, Compare},       {"String", OP_NOT_EQUAL, Compare},
+};
+
+}  // namespace
+
+void StringRegister() {
+    StringClass = ClassRegister("String", 0);
+    RegisterBuiltIns(FUNCTIONS);
+    RegisterOperators(OPERATORS);
+}
+
+ObjectBlock* StringAlloc(std::size_t length) {
+    ObjectBlock* block = ObjectAlloc(length + 1, StringClass);
+    *reinterpret_cast<char*>(block->Data()) = '\0';
+    return block;
+}
+
+ObjectBlock* StringNew(std::string_view text) {
+    ObjectBlock* block = StringAlloc(text.size());
+    auto* bytes = reinterpret_cast<char*>(block->Data());
+    std::memcpy(bytes, text.data(), text.size());
+    bytes[text.size()] = '\0';
+    return block;
+}
+
+void StringSet(DataCell& cell, std::string_view text) {
+    const DataCell old = cell;
+    cell = ObjectCell(StringNew(text));
+    if (old.type == TYPE_OBJECT) {
+        ObjectRelease(ObjectOf(old));
+    }
+}
+
+void StackPushString(std::string_view text) { StackPushObject(StringNew(text)); }
+
+bool StringAppend(DataCell& text, const DataCell& value) {
+    if (!IsString(text) || ObjectOf(text)->references != 1 || (value.type == TYPE_OBJECT && !IsString(value))) {
+        return false;
+    }
+    char buffer[4096];
+    const bool doubled = value.type == TYPE_OBJECT && value.object == text.object;
+    const std::size_t before = StringText(text).size();
+    const std::size_t added = value.type == TYPE_OBJECT ? StringText(value).size()
+                                                        : static_cast<std::size_t>(CellToText(buffer, value));
+    auto* bytes = reinterpret_cast<char*>(ObjectGrow(ObjectOf(text), before + added + 1)->Data());
+    // The block may have moved, so the text added is looked up only now.
+    const char* source = doubled ? bytes : value.type == TYPE_OBJECT ? StringChars(value) : buffer;
+    std::memmove(bytes + before, source, added);
+    bytes[before + added] = '\0';
+    return true;
+}
+
+bool IsString(const DataCell& cell) {
+    return cell.type == TYPE_OBJECT &&
+           (ObjectOf(cell)->classId == StringClass || IsInstance(cell, StringClass));
+}
+
+std::string_view StringText(const DataCell& cell) {
+    const ObjectBlock* block = ObjectOf(cell);
+    return {reinterpret_cast<const char*>(block->Data()), block->size - 1};
+}
+
+const char* StringChars(const DataCell& cell) { return StringText(cell).data(); }
+
+}  // namespace quelmark

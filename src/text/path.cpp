@@ -1,0 +1,182 @@
+#include "text/path.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+
+#include "text/cp932.h"
+
+namespace quelmark {
+namespace {
+
+bool Exists(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0;
+}
+
+bool IsDirectory(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+char AsciiLower(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A')) : character;
+}
+
+bool SameButCase(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (AsciiLower(a[i]) != AsciiLower(b[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+struct DirectoryClose {
+    void operator()(DIR* directory) const { ::closedir(directory); }
+};
+
+// The entry of a directory whose name differs from `name` in case at most; empty when there is none. Of several the
+// first in byte order, so that the answer does not depend on the file system.
+std::string EntryBesideCase(const std::string& directory, std::string_view name) {
+    std::string found;
+    const std::unique_ptr<DIR, DirectoryClose> entries(::opendir(directory.empty() ? "." : directory.c_str()));
+    while (entries) {
+        const dirent* entry = ::readdir(entries.get());
+        if (entry == nullptr) {
+            break;
+        }
+        if (SameButCase(entry->d_name, name) && (found.empty() || found > entry->d_name)) {
+            found = entry->d_name;
+        }
+    }
+    return found;
+}
+
+// UTF-8 with slashes, without the drive.
+std::optional<std::string> Plain(std::string_view scriptPath) {
+    if (scriptPath.size() >= 2 && scriptPath[1] == ':') {
+        scriptPath.remove_prefix(2);
+    }
+    std::string slashes(scriptPath);
+    for (std::size_t at = FindFirstOf(slashes, "\\"); at != std::string::npos; at = FindFirstOf(slashes, "\\", at + 1)) {
+        slashes[at] = '/';
+    }
+    if (slashes.find('\0') != std::string::npos) {
+        return std::nullopt;
+    }
+    return Cp932ToUtf8(slashes);
+}
+
+}  // namespace
+
+std::optional<std::string> HostPath(std::string_view scriptPath) {
+    const auto plain = Plain(scriptPath);
+    if (!plain || Exists(*plain)) {
+        return plain;
+    }
+    std::string built;
+    for (std::size_t at = 0; at < plain->size();) {
+        if ((*plain)[at] == '/') {
+            built += '/';
+            ++at;
+            continue;
+        }
+        const std::size_t end = std::min(plain->find('/', at), plain->size());
+        std::string component = plain->substr(at, end - at);
+        if (!Exists(built + component)) {
+            const std::string other = EntryBesideCase(built, component);
+            if (other.empty()) {
+                return built + plain->substr(at);
+            }
+            component = other;
+        }
+        built += component;
+        at = end;
+    }
+    return built;
+}
+
+std::optional<std::string> ScriptPath(std::string_view hostPath) {
+    auto text = Utf8ToCp932(hostPath);
+    if (!text) {
+        return std::nullopt;
+    }
+    for (std::size_t at = FindFirstOf(*text, "/"); at != std::string::npos; at = FindFirstOf(*text, "/", at + 1)) {
+        (*text)[at] = '\\';
+    }
+    if (text->starts_with('\\')) {
+        text->insert(0, "C:");
+    }
+    return text;
+}
+
+bool PathExists(std::string_view scriptPath) {
+    const auto path = HostPath(scriptPath);
+    return path && Exists(*path);
+}
+
+bool PathIsDirectory(std::string_view scriptPath) {
+    const auto path = HostPath(scriptPath);
+    return path && IsDirectory(*path);
+}
+
+std::string CurrentDirectory() {
+    char buffer[PATH_MAX];
+    if (::getcwd(buffer, sizeof buffer) == nullptr) {
+        return "C:\\";
+    }
+    return ScriptPath(buffer).value_or("C:\\");
+}
+
+std::string_view FileNamePart(std::string_view scriptPath) {
+    const std::size_t separator = FindLastOf(scriptPath, "\\/");
+    return separator == std::string_view::npos ? scriptPath : scriptPath.substr(separator + 1);
+}
+
+std::string_view DirectoryPart(std::string_view scriptPath) {
+    const std::size_t separator = FindLastOf(scriptPath, "\\/");
+    return separator == std::string_view::npos ? std::string_view() : scriptPath.substr(0, separator + 1);
+}
+
+bool HasExtension(std::string_view scriptPath) {
+    return FindLastOf(FileNamePart(scriptPath), ".") != std::string_view::npos;
+}
+
+FilePtr OpenFile(std::string_view scriptPath, const char* mode) {
+    const auto path = HostPath(scriptPath);
+    if (!path || IsDirectory(*path)) {
+        return nullptr;
+    }
+    return FilePtr(std::fopen(path->c_str(), mode));
+}
+
+std::optional<std::string> ReadWholeFile(std::string_view scriptPath) {
+    const FilePtr file = OpenFile(scriptPath, "rb");
+    if (!file) {
+        return std::nullopt;
+    }
+    std::string text;
+    struct stat status {};
+    if (::fstat(::fileno(file.get()), &status) == 0 && S_ISREG(status.st_mode)) {
+        text.resize(static_cast<std::size_t>(status.st_size));
+        text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+    }
+    char buffer[65536];
+    for (std::size_t count = 0; (count = std::fread(buffer, 1, sizeof buffer, file.get())) > 0;) {
+        text.append(buffer, count);
+    }
+    if (std::ferror(file.get()) != 0) {
+        return std::nullopt;
+    }
+    return text;
+}
+
+}  // namespace quelmark
