@@ -13,6 +13,9 @@ inline constexpr Matrix UNIT_MATRIX{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}}
 
 extern std::int32_t MatrixClass;
 
+// Registers the class Matrix; MatrixLibraryRegister calls it.
+void MatrixRegister();
+
 bool IsMatrix(const DataCell& cell);
 void StackPushMatrix(const Matrix& matrix);
 

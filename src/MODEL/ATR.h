@@ -36,6 +36,8 @@ void AttrExit();
 std::int32_t AttrAlloc(std::string_view name);
 std::int32_t AttrFind(std::string_view name);
 std::int32_t AttrSearchOrAlloc(std::string_view name);
+// Registers the script functions.
+void AttributeRegister();
 // False when a polygon uses it. Higher numbers fall by one.
 bool AttrDelete(std::int32_t attribute);
 // The drawing colour that follows a surface colour: a bit for each component above 2457 (0.6).

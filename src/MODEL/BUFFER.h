@@ -19,6 +19,8 @@ inline constexpr std::uint16_t FLAG_NOUSE = 0x4321;
 extern char* BufTop;
 extern char* BufNext;
 extern char* BufEnd;
+// Grows whenever blocks may have moved; an address taken at another value must be looked up again.
+extern std::uint32_t BufLayout;
 
 void BufferInit(std::size_t bytes);
 void BufferExit();

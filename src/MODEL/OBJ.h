@@ -24,6 +24,8 @@ void ObjExit();
 std::int32_t ObjAlloc(std::string_view name);
 std::int32_t ObjFind(std::string_view name);
 std::int32_t ObjSearchOrAlloc(std::string_view name);
+// Registers the script functions.
+void ObjectRegister();
 bool ObjDelete(std::int32_t object);
 // Sets the edit mark of an object; every change of a stored polygon goes through here. A number outside the
 // table is ignored.

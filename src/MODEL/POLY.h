@@ -54,25 +54,31 @@ void ModelExit();
 
 // Bytes of a record of `vers` vertices; checks "0 < vers && vers < 1024".
 std::int32_t PolygonSize(std::int32_t vers);
-// The records, first to last; null at the end.
-PolygonRecord* PolygonTop();
-PolygonRecord* PolygonNext(PolygonRecord* polygon);
+// The records, first to last; null at the end. The walk trusts the chain of sizes, which every change keeps.
+inline PolygonRecord* PolygonTop() {
+    return BufTop != BufNext ? reinterpret_cast<PolygonRecord*>(BufTop) : nullptr;
+}
+inline PolygonRecord* PolygonNext(PolygonRecord* polygon) {
+    char* next = reinterpret_cast<char*>(polygon) + polygon->header.size;
+    return next < BufNext ? reinterpret_cast<PolygonRecord*>(next) : nullptr;
+}
 // Newell's method; (0, 0, 0) for a degenerate polygon, else length 256.
 void PlaneNormal(std::span<const VertexRecord> vertices, std::int16_t normal[3]);
 
 // Appends CurrentPolygon; false when the buffer is full.
-bool PolygonAppend(bool select);
+bool PolygonAppend(std::int32_t select);
+// The walk over the selected polygons: copies the next one into CurrentPolygon; its handle, or 0 at the end.
+std::int32_t PolygonLoadNext();
+// Copies the record a handle names. A handle that names none any more is "ポリゴンのハンドルが不正です。(PolyLoad)".
+void PolygonLoad(std::int32_t handle);
+void PolygonLoadInit();
+std::int32_t PolygonHandle(const PolygonRecord* polygon);
+// Writes CurrentPolygon back over the loaded record; "PolyLoadされていません。(Vertex:PolySave)".
+void PolygonSave();
 // Deletes every selected polygon.
 void PolygonDelete();
 
-// Registers the class Vertex, the model constants and every function of polygons, attributes and objects.
+// Registers the class Vertex, the model constants and every function of polygons, selection, attributes and objects.
 void PolygonRegister();
-
-// ---- script class Vertex ----
-extern std::int32_t VertexClass;
-struct VertexObject {
-    std::uint32_t valid;  // bit 0: the normal counts, bit 1: the mapping
-    VertexRecord vertex;
-};
 
 }  // namespace quelmark

@@ -1,0 +1,197 @@
+#include "MODEL/POLY.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "ML/ERROR.h"
+#include "ML/OPERATE.h"
+#include "MODEL/ATR.h"
+#include "MODEL/OBJ.h"
+#include "text/sjis.h"
+
+namespace quelmark {
+
+PolygonRecord* CurrentPolygon = nullptr;
+PolygonRecord* LoadedPolygon = nullptr;
+std::int32_t MaxVertex = 0;
+std::int32_t SelectCount = 0;
+std::uint32_t AttrRevision = 0;
+std::uint32_t ObjRevision = 0;
+
+namespace {
+
+std::uint32_t loadedLayout = 0;  // BufLayout when LoadedPolygon was last known to be a record
+
+constexpr std::int32_t HEADER_BYTES = 24;  // of a polygon record, before its vertices
+
+DataBuffer* BlockOf(PolygonRecord* polygon) { return &polygon->header; }
+
+// The number of vertices that may really be copied out of CurrentPolygon.
+std::int32_t CurrentSize() {
+    const std::int32_t vers = CurrentPolygon->vers;
+    const std::int32_t size = PolygonSize(vers);
+    Check(vers <= MaxVertex, "vers <= MaxVertex");
+    return size;
+}
+
+// True when a record begins at this address. The walk starts at the loaded record where that is known to be one.
+bool IsLive(const PolygonRecord* wanted) {
+    PolygonRecord* start = PolygonTop();
+    if (LoadedPolygon != nullptr && loadedLayout == BufLayout && LoadedPolygon <= wanted) {
+        start = LoadedPolygon;
+    }
+    for (PolygonRecord* polygon = start; polygon != nullptr && polygon <= wanted; polygon = PolygonNext(polygon)) {
+        if (polygon == wanted) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Blocks have moved since the record was loaded: is it still one?
+void VerifyLoaded() {
+    if (LoadedPolygon != nullptr && loadedLayout != BufLayout) {
+        LoadedPolygon = IsLive(LoadedPolygon) ? LoadedPolygon : nullptr;
+        loadedLayout = BufLayout;
+    }
+}
+
+void LoadRecord(PolygonRecord* polygon) {
+    LoadedPolygon = polygon;
+    loadedLayout = BufLayout;
+    // A polygon read with other limits may be larger than the edit buffer.
+    const std::int32_t vers = polygon->vers < MaxVertex ? polygon->vers : MaxVertex;
+    BufferCopy(BlockOf(CurrentPolygon), BlockOf(polygon), HEADER_BYTES + 16 * vers);
+    CurrentPolygon->vers = static_cast<std::int16_t>(vers);
+}
+
+}  // namespace
+
+void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t attributeCount,
+               std::int32_t maxVertex) {
+    BufferInit(static_cast<std::size_t>(bufferBytes));
+    AttrInit(attributeCount);
+    ObjInit(objectCount);
+    CurrentPolygon = static_cast<PolygonRecord*>(
+        MemoryAlloc(static_cast<std::uint32_t>(HEADER_BYTES + 16 * (maxVertex > 0 ? maxVertex : 1))));
+    MaxVertex = maxVertex;
+    LoadedPolygon = nullptr;
+    SelectCount = 0;
+}
+
+void ModelExit() {
+    BufferExit();
+    AttrExit();
+    ObjExit();
+    if (CurrentPolygon != nullptr) {
+        MemoryFree(CurrentPolygon);
+    }
+    CurrentPolygon = nullptr;
+    LoadedPolygon = nullptr;
+}
+
+std::int32_t PolygonSize(std::int32_t vers) {
+    Check(0 < vers && vers < VERTEX_LIMIT, "0 < vers && vers < 1024");
+    return HEADER_BYTES + 16 * vers;
+}
+
+void PlaneNormal(std::span<const VertexRecord> vertices, std::int16_t normal[3]) {
+    float nx = 0, ny = 0, nz = 0;
+    const auto product = [](std::int32_t difference, std::int32_t sum) {
+        return static_cast<float>(WrapMultiply(difference, sum));
+    };
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        const VertexRecord& a = vertices[i];
+        const VertexRecord& b = vertices[i + 1 == vertices.size() ? 0 : i + 1];
+        nx += product(a.y - b.y, a.z + b.z);
+        ny += product(a.z - b.z, a.x + b.x);
+        nz += product(a.x - b.x, a.y + b.y);
+    }
+    const float length = std::sqrt(nx * nx + ny * ny + nz * nz);
+    const float scale = length > 0 ? 256 / length : 0;
+    normal[0] = static_cast<std::int16_t>(nx * scale);
+    normal[1] = static_cast<std::int16_t>(ny * scale);
+    normal[2] = static_cast<std::int16_t>(nz * scale);
+}
+
+bool PolygonAppend(std::int32_t select) {
+    const std::int32_t size = CurrentSize();
+    CurrentPolygon->select = select != 0 ? 1 : 0;
+    auto* polygon = reinterpret_cast<PolygonRecord*>(BufferAppend(size));
+    if (polygon == nullptr) {
+        return false;
+    }
+    PlaneNormal(CurrentPolygon->Vertices(), CurrentPolygon->normal);
+    BufferCopy(BlockOf(polygon), BlockOf(CurrentPolygon), size);
+    SelectCount += polygon->select;
+    ObjMarkEdited(polygon->obj);
+    return true;
+}
+
+std::int32_t PolygonHandle(const PolygonRecord* polygon) {
+    return static_cast<std::int32_t>((reinterpret_cast<const char*>(polygon) - BufTop) / 4 + 1);
+}
+
+std::int32_t PolygonLoadNext() {
+    VerifyLoaded();
+    PolygonRecord* polygon = LoadedPolygon == nullptr ? PolygonTop() : PolygonNext(LoadedPolygon);
+    while (polygon != nullptr && polygon->select == 0) {
+        polygon = PolygonNext(polygon);
+    }
+    if (polygon == nullptr) {
+        LoadedPolygon = nullptr;
+        return 0;
+    }
+    LoadRecord(polygon);
+    return PolygonHandle(polygon);
+}
+
+void PolygonLoad(std::int32_t handle) {
+    const std::int64_t offset = (static_cast<std::int64_t>(handle) - 1) * 4;
+    auto* polygon = reinterpret_cast<PolygonRecord*>(BufTop + offset);
+    if (offset < 0 || offset >= BufNext - BufTop || !IsLive(polygon)) {
+        RuntimeError("%s", "ポリゴンのハンドルが不正です。(PolyLoad)"_sjis);
+    }
+    LoadRecord(polygon);
+}
+
+void PolygonLoadInit() { LoadedPolygon = nullptr; }
+
+void PolygonSave() {
+    VerifyLoaded();
+    if (LoadedPolygon == nullptr) {
+        RuntimeError("%s", "PolyLoadされていません。(Vertex:PolySave)"_sjis);
+    }
+    const std::int32_t size = CurrentSize();
+    if (BufferResize(BlockOf(LoadedPolygon), size) == nullptr) {
+        return;
+    }
+    loadedLayout = BufLayout;  // growing leaves the record where it is
+    BufferCopy(BlockOf(LoadedPolygon), BlockOf(CurrentPolygon), size);
+    for (VertexRecord& vertex : LoadedPolygon->Vertices()) {
+        if ((LoadedPolygon->type & POLY_SHADE) == 0) {
+            vertex.nx = vertex.ny = vertex.nz = 0;
+        }
+        if ((LoadedPolygon->type & POLY_UV) == 0) {
+            vertex.u = vertex.v = 0;
+        }
+    }
+    PlaneNormal(LoadedPolygon->Vertices(), LoadedPolygon->normal);
+    std::memcpy(CurrentPolygon->normal, LoadedPolygon->normal, sizeof CurrentPolygon->normal);
+    ObjMarkEdited(LoadedPolygon->obj);
+}
+
+void PolygonDelete() {
+    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr;) {
+        PolygonRecord* next = PolygonNext(polygon);
+        if (polygon->select == 1) {
+            ObjMarkEdited(polygon->obj);
+            BufferDelete(BlockOf(polygon));
+        }
+        polygon = next;
+    }
+    BufferCompact();
+    SelectCount = 0;
+}
+
+}  // namespace quelmark
