@@ -37,13 +37,7 @@ void AttrExit() {
     AttributeCount = 0;
 }
 
-std::int32_t AttrAlloc(std::string_view name) {
-    const std::int32_t slot = TableFreeSlot(AttrTable, AttributeCount);
-    if (slot < 0) {
-        ReportTableFull("アトリビュートバッファがオーバーフローしました"_sjis);
-        return -1;
-    }
-    AttributeRecord& attribute = AttrTable[slot];
+void AttrDefaults(AttributeRecord& attribute, std::string_view name) {
     attribute = AttributeRecord{};
     attribute.used = 1;
     attribute.code = 7;
@@ -51,6 +45,15 @@ std::int32_t AttrAlloc(std::string_view name) {
     attribute.amb = {HALF, HALF, HALF, 0};
     attribute.dif = {HALF, HALF, HALF, 0};
     CopyText(attribute.name, name, TABLE_NAME_BYTES);
+}
+
+std::int32_t AttrAlloc(std::string_view name) {
+    const std::int32_t slot = TableFreeSlot(AttrTable, AttributeCount);
+    if (slot < 0) {
+        ReportTableFull("アトリビュートバッファがオーバーフローしました"_sjis);
+        return -1;
+    }
+    AttrDefaults(AttrTable[slot], name);
     AttrLast = slot > AttrLast ? slot : AttrLast;
     ++AttrRevision;
     return slot;

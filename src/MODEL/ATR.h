@@ -34,6 +34,8 @@ void AttrExit();
 // A new attribute with default values in the lowest free slot, or -1 with the message
 // "アトリビュートバッファがオーバーフローしました". Names are cut to 16 bytes.
 std::int32_t AttrAlloc(std::string_view name);
+// The record of a new attribute of that name.
+void AttrDefaults(AttributeRecord& attribute, std::string_view name);
 std::int32_t AttrFind(std::string_view name);
 std::int32_t AttrSearchOrAlloc(std::string_view name);
 // Registers the script functions.

@@ -10,6 +10,10 @@ namespace quelmark {
 // Start-up directory, with its trailing separator, that the part search begins with.
 void ReaderInit(std::string_view programDirectory);
 
+// Asked now and then while reading whether the ESC key has been pressed; null: never.
+using CancelCheck = bool (*)();
+void ReaderSetCancelCheck(CancelCheck check);
+
 // Reads a shape file (".suf" is added to a name without an extension): attributes, objects, polygons. Mode 1 merges
 // objects by name, mode 0 always creates. True when no fault of severity 10 or more was reported.
 bool ReadShapeFile(std::string_view name, std::int32_t mode);
