@@ -64,7 +64,9 @@ std::int32_t CodeEmit(const Instruction& instruction) {
     return CodeHere() - 1;
 }
 
-std::int32_t CodeHere() { return static_cast<std::int32_t>(Code.size()); }
+std::int32_t CodeHere() {
+    return static_cast<std::int32_t>(Code.size());
+}
 
 void CodePatch(std::int32_t index, std::int32_t target) {
     Code[static_cast<std::size_t>(index)].jump = target - (index + 1);
@@ -80,8 +82,9 @@ void CodePosition(std::int32_t line) {
 }
 
 SourcePosition CodePositionOf(std::int32_t index) {
-    const auto behind = std::upper_bound(positions.begin(), positions.end(), index,
-                                         [](std::int32_t wanted, const Position& row) { return wanted < row.index; });
+    const auto behind =
+        std::upper_bound(positions.begin(), positions.end(), index,
+                         [](std::int32_t wanted, const Position& row) { return wanted < row.index; });
     if (behind == positions.begin()) {
         return {nullptr, 0};
     }
@@ -113,9 +116,15 @@ void CodeSettleSlots(std::int32_t start, std::int32_t locals) {
         if (slots[3] == 's') {
             instruction.jump = Settled(static_cast<std::uint16_t>(instruction.jump), locals);
         }
+        if ((instruction.op == Opcode::RETURN || instruction.op == Opcode::RETURN_NONE) &&
+            instruction.value == UNSETTLED) {
+            instruction.value = locals;
+        }
     }
 }
 
-const char* OpcodeName(Opcode op) { return OPCODES[static_cast<std::size_t>(op)].name; }
+const char* OpcodeName(Opcode op) {
+    return OPCODES[static_cast<std::size_t>(op)].name;
+}
 
 }  // namespace quelmark

@@ -1,10 +1,7 @@
 #include "ML/EMIT.h"
 
 #include <algorithm>
-#include <bit>
-#include <vector>
 
-#include "ML/CODE.h"
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "text/sjis.h"
@@ -17,54 +14,8 @@ constexpr std::int32_t TEMPORARIES_MOST = 0x7000;
 std::int32_t temporaries = 0;      // in use
 std::int32_t temporariesMost = 0;  // ever in use
 
-bool IsTemporary(std::uint16_t slot) { return (slot & TEMPORARY) != 0; }
-
-// The temporaries taken while this lives are free again afterwards.
-class TemporaryScope {
-  public:
-    TemporaryScope() : before_(temporaries) {}
-    ~TemporaryScope() { temporaries = before_; }
-    TemporaryScope(const TemporaryScope&) = delete;
-    TemporaryScope& operator=(const TemporaryScope&) = delete;
-
-  private:
-    std::int32_t before_;
-};
-
 std::int32_t Emit(Opcode op, std::uint16_t a, std::uint16_t b, std::uint16_t c, std::int32_t value = 0) {
     return CodeEmit({op, a, b, c, 0, value});
-}
-
-bool IsConstant(NodeId node, std::uint16_t type) {
-    return NodeOf(node).kind == NodeKind::Constant && NodeOf(node).cell.type == type;
-}
-
-// A right operand: a slot, or an INT or REAL that fits the instruction.
-enum class Form : std::uint8_t { Slot, Int, Real };
-struct Operand {
-    Form form = Form::Slot;
-    std::uint16_t slot = 0;
-    std::int32_t value = 0;
-};
-
-Operand EmitOperand(NodeId node) {
-    if (IsConstant(node, TYPE_INT)) {
-        return {Form::Int, 0, NodeOf(node).cell.integer};
-    }
-    if (IsConstant(node, TYPE_REAL)) {
-        return {Form::Real, 0, NodeOf(node).cell.integer};
-    }
-    return {Form::Slot, EmitValue(node), 0};
-}
-
-// A left operand. When the right one may run script code, a variable is read before it does.
-std::uint16_t EmitLeft(NodeId left, NodeId right) {
-    if (NodeOf(left).kind == NodeKind::Slot && NodeOf(right).calls) {
-        const std::uint16_t copy = EmitTemporary();
-        EmitInto(left, copy);
-        return copy;
-    }
-    return EmitValue(left);
 }
 
 struct ArithmeticRow {
@@ -84,11 +35,6 @@ constexpr ArithmeticRow ARITHMETIC[] = {
     {OP_SHIFT_RIGHT, Opcode::SHIFT_RIGHT_SS},
 };
 
-struct CompareRow {
-    std::int32_t code;
-    Opcode value;      // a = b op c
-    Opcode jumpUnless;  // its three forms in a row, then the three loop-closing ones
-};
 constexpr CompareRow COMPARES[] = {
     {OP_LESS, Opcode::LESS_SS, Opcode::JF_LESS_SS},
     {OP_GREATER, Opcode::GREATER_SS, Opcode::JF_GREATER_SS},
@@ -100,45 +46,94 @@ constexpr CompareRow COMPARES[] = {
 
 template <class Row, std::size_t N>
 const Row* RowOf(const Row (&rows)[N], std::int32_t code) {
-    const Row* row = std::find_if(rows, rows + N, [code](const Row& candidate) { return candidate.code == code; });
+    const Row* row =
+        std::find_if(rows, rows + N, [code](const Row& candidate) { return candidate.code == code; });
     return row == rows + N ? nullptr : row;
 }
 
-Opcode FormOf(Opcode first, Form form) {
-    return static_cast<Opcode>(static_cast<std::uint16_t>(first) + static_cast<std::uint16_t>(form));
+Operand ConstantOperand(const DataCell& cell) {
+    return {cell.type == TYPE_INT ? Form::Int : Form::Real, 0, cell.integer};
 }
 
-void EmitArithmetic(std::uint16_t slot, std::int32_t code, std::uint16_t left, const Operand& right) {
-    if (const ArithmeticRow* row = RowOf(ARITHMETIC, code)) {
-        Emit(FormOf(row->slotSlot, right.form), slot, left, right.slot, right.value);
-        return;
+bool IsNumber(NodeId node) {
+    return NodeOf(node).kind == NodeKind::Constant && (NodeOf(node).cell.type & TYPE_NUMBER) != 0;
+}
+
+// The nodes of a chain of left-associative operators, the last operator first; answers the leftmost operand.
+NodeId ChainOf(NodeId node, std::vector<NodeId>& chain) {
+    for (; NodeOf(node).kind == NodeKind::Binary; node = NodeOf(node).left) {
+        chain.push_back(node);
     }
-    std::uint16_t rightSlot = right.slot;
-    if (right.form != Form::Slot) {
-        rightSlot = EmitTemporary();
-        Emit(Opcode::LOAD, rightSlot, 0, right.form == Form::Int ? TYPE_INT : TYPE_REAL, right.value);
+    return node;
+}
+
+// Two or more values added behind a text constant somewhere: the parts of a text.
+bool BuildsText(const std::vector<NodeId>& chain) {
+    bool text = false;
+    for (const NodeId step : chain) {
+        const Node& right = NodeOf(NodeOf(step).right);
+        text = text || (right.kind == NodeKind::Constant && right.cell.type == TYPE_OBJECT);
     }
-    const CompareRow* row = RowOf(COMPARES, code);
-    Emit(row != nullptr ? row->value : Opcode::BINARY, slot, left, rightSlot, code);
+    return text && chain.size() >= 2 &&
+           std::all_of(chain.begin(), chain.end(), [](NodeId step) { return NodeOf(step).index == OP_ADD; });
+}
+
+// Texts grow in place when all parts are at hand before the first is added. The temporary before the parts is
+// the instruction's own.
+void EmitJoin(NodeId leftmost, const std::vector<NodeId>& chain, std::uint16_t slot) {
+    const bool calls = NodeOf(chain.front()).calls;
+    std::uint16_t left = 0;
+    if (calls && NodeOf(leftmost).kind == NodeKind::Slot) {
+        left = EmitTemporary();
+        EmitInto(leftmost, left);
+    } else {
+        left = EmitValue(leftmost);
+    }
+    EmitTemporary();
+    std::uint16_t first = 0;
+    for (std::size_t step = chain.size(); step-- > 0;) {
+        const std::uint16_t part = EmitTemporary();
+        first = step + 1 == chain.size() ? part : first;
+        EmitInto(NodeOf(chain[step]).right, part);
+    }
+    Emit(Opcode::JOIN, slot, left, first, static_cast<std::int32_t>(chain.size()));
 }
 
 // left op right into `slot`, for a chain of left-associative operators without recursion along the chain.
 void EmitBinary(NodeId node, std::uint16_t slot) {
     std::vector<NodeId> chain;
-    NodeId leftmost = node;
-    for (; NodeOf(leftmost).kind == NodeKind::Binary; leftmost = NodeOf(leftmost).left) {
-        chain.push_back(leftmost);
-    }
+    const NodeId leftmost = ChainOf(node, chain);
     const TemporaryScope scope;
-    std::uint16_t left = EmitLeft(leftmost, NodeOf(chain.back()).right);
-    // Between the steps the value rests in one temporary, the result's own when that is one.
-    const std::uint16_t resting = IsTemporary(slot) ? slot : IsTemporary(left) ? left : EmitTemporary();
-    for (std::size_t step = chain.size(); step-- > 0;) {
-        const TemporaryScope stepScope;
+    if (BuildsText(chain)) {
+        EmitJoin(leftmost, chain, slot);
+        return;
+    }
+    const Node innermost = NodeOf(chain.back());
+    std::size_t step = chain.size();
+    std::uint16_t left = 0;
+    // A REAL before `+` and `*` may as well stand in the instruction; an INT only decides the type on the
+    // left.
+    const bool swapped = (innermost.index == OP_ADD || innermost.index == OP_MULTIPLY) &&
+                         IsNumber(leftmost) && !IsNumber(innermost.right);
+    const auto target = [&](std::size_t at, std::uint16_t operand) {
+        // Between the steps the value rests in one temporary, the result's own when that is one.
+        return at == 0 || IsTemporary(slot) ? slot : IsTemporary(operand) ? operand : EmitTemporary();
+    };
+    if (swapped) {
+        const std::uint16_t right = EmitValue(innermost.right);
+        const Operand constant = ConstantOperand(NodeOf(leftmost).cell);
+        left = target(--step, right);
+        Emit(FormOf(RowOf(ARITHMETIC, innermost.index)->slotSlot, constant.form), left, right, 1,
+             constant.value);
+    } else {
+        left = EmitLeft(leftmost, innermost.right);
+    }
+    while (step-- > 0) {
         const Node binary = NodeOf(chain[step]);
-        const Operand right = EmitOperand(binary.right);
-        EmitArithmetic(step == 0 ? slot : resting, binary.index, left, right);
-        left = resting;
+        const std::uint16_t into = target(step, left);
+        const TemporaryScope stepScope;
+        EmitArithmetic(into, binary.index, left, EmitOperand(binary.right));
+        left = into;
     }
 }
 
@@ -149,7 +144,8 @@ std::uint16_t EmitCall(NodeId node, Opcode op) {
     {
         const TemporaryScope scope;
         std::uint16_t slot = first;
-        for (NodeId argument = call.firstChild; argument != NO_NODE; argument = NodeOf(argument).nextSibling) {
+        for (NodeId argument = call.firstChild; argument != NO_NODE;
+             argument = NodeOf(argument).nextSibling) {
             EmitInto(argument, slot);
             if (NodeOf(argument).nextSibling != NO_NODE) {
                 slot = EmitTemporary();
@@ -160,85 +156,66 @@ std::uint16_t EmitCall(NodeId node, Opcode op) {
     return first;
 }
 
-// The slot of an element's array, its subscripts already in `slots`; leaves the last `keep` subscripts to the caller.
-std::uint16_t EmitDescend(std::uint16_t array, const std::vector<Operand>& subscripts, std::size_t keep) {
-    for (std::size_t i = 0; i + keep < subscripts.size(); ++i) {
-        const std::uint16_t inner = EmitTemporary();
-        if (subscripts[i].form == Form::Int) {
-            Emit(Opcode::GET_ELEMENT_K, inner, array, 0, subscripts[i].value);
-        } else {
-            Emit(Opcode::GET_ELEMENT, inner, array, subscripts[i].slot);
-        }
-        array = inner;
+// A subscript as a slot.
+std::uint16_t SubscriptSlot(const Operand& subscript) {
+    if (subscript.form == Form::Slot) {
+        return subscript.slot;
+    }
+    const std::uint16_t slot = EmitTemporary();
+    EmitConstant(slot, IntCell(subscript.value));
+    return slot;
+}
+
+// The slot of the array that the last `keep` subscripts apply to.
+std::uint16_t EmitDescend(const ElementPlace& place, std::size_t keep) {
+    std::uint16_t array = EmitValue(place.array);
+    for (std::size_t i = 0; i + keep < place.subscripts.size(); ++i) {
+        const std::uint16_t row = EmitTemporary();
+        Emit(Opcode::GET_ROW, row, array, SubscriptSlot(place.subscripts[i]));
+        array = row;
     }
     return array;
 }
 
-// `callsLater`: script code may run before the subscripts are used, so variables are read now.
-std::vector<Operand> EmitSubscripts(NodeId element, bool callsLater) {
-    std::vector<Operand> subscripts;
-    for (NodeId child = NodeOf(element).firstChild; child != NO_NODE; child = NodeOf(child).nextSibling) {
-        Operand operand = EmitOperand(child);
-        if (operand.form == Form::Real) {
-            operand = {Form::Slot, EmitTemporary(), 0};
-            Emit(Opcode::LOAD, operand.slot, 0, TYPE_REAL, NodeOf(child).cell.integer);
-        } else if (NodeOf(child).kind == NodeKind::Slot && callsLater) {
-            const std::uint16_t copy = EmitTemporary();
-            EmitInto(child, copy);
-            operand.slot = copy;
-        }
-        subscripts.push_back(operand);
-    }
-    return subscripts;
-}
-
-// Reads (into `slot`) or writes (from `slot`) array[subscripts].
-void EmitElement(bool write, std::uint16_t array, const std::vector<Operand>& subscripts, std::uint16_t slot) {
-    const std::size_t count = subscripts.size();
-    if (count >= 2 && subscripts[count - 1].form == Form::Slot && subscripts[count - 2].form == Form::Slot) {
-        array = EmitDescend(array, subscripts, 2);
-        CodeEmit({write ? Opcode::SET_ELEMENT_2 : Opcode::GET_ELEMENT_2, slot, array, subscripts[count - 2].slot,
-                  subscripts[count - 1].slot, 0});
-        return;
-    }
-    array = EmitDescend(array, subscripts, 1);
-    if (subscripts.back().form == Form::Int) {
-        Emit(write ? Opcode::SET_ELEMENT_K : Opcode::GET_ELEMENT_K, slot, array, 0, subscripts.back().value);
-    } else {
-        Emit(write ? Opcode::SET_ELEMENT : Opcode::GET_ELEMENT, slot, array, subscripts.back().slot);
-    }
-}
-
-// A comparison as operands of a jump instruction.
-struct Comparison {
-    const CompareRow* row = nullptr;
-    std::uint16_t left = 0;
-    Operand right;
+// The instructions for one way, reading or writing.
+struct ElementOpcodes {
+    Opcode slot, constant, two, global, globalConstant;
 };
+constexpr ElementOpcodes READ = {Opcode::GET_ELEMENT, Opcode::GET_ELEMENT_K, Opcode::GET_ELEMENT_2,
+                                 Opcode::GET_GLOBAL_ELEMENT, Opcode::GET_GLOBAL_ELEMENT_K};
+constexpr ElementOpcodes WRITE = {Opcode::SET_ELEMENT, Opcode::SET_ELEMENT_K, Opcode::SET_ELEMENT_2,
+                                  Opcode::SET_GLOBAL_ELEMENT, Opcode::SET_GLOBAL_ELEMENT_K};
 
-Comparison EmitComparison(NodeId condition) {
-    Comparison comparison;
-    const Node node = NodeOf(condition);
-    comparison.row = node.kind == NodeKind::Binary ? RowOf(COMPARES, node.index) : nullptr;
-    if (comparison.row != nullptr) {
-        comparison.left = EmitLeft(node.left, node.right);
-        comparison.right = EmitOperand(node.right);
+void EmitElement(const ElementOpcodes& opcodes, const ElementPlace& place, std::uint16_t slot) {
+    const std::vector<Operand>& subscripts = place.subscripts;
+    const Operand& last = subscripts.back();
+    const std::size_t count = subscripts.size();
+    const bool isConstant = last.form == Form::Int;
+    if (count == 1 && NodeOf(place.array).kind == NodeKind::Global &&
+        (!isConstant || (last.value >> 16) == 0)) {
+        const std::int32_t global = NodeOf(place.array).index;
+        if (isConstant) {
+            Emit(opcodes.globalConstant, slot, static_cast<std::uint16_t>(last.value), 0, global);
+        } else {
+            Emit(opcodes.global, slot, last.slot, 0, global);
+        }
+    } else if (count >= 2) {
+        const std::uint16_t array = EmitDescend(place, 2);
+        const std::uint16_t row = SubscriptSlot(subscripts[count - 2]);
+        CodeEmit({opcodes.two, slot, array, row, SubscriptSlot(last), 0});
+    } else if (isConstant) {
+        Emit(opcodes.constant, slot, EmitDescend(place, 1), 0, last.value);
+    } else {
+        Emit(opcodes.slot, slot, EmitDescend(place, 1), last.slot);
     }
-    return comparison;
-}
-
-std::int32_t EmitConditional(NodeId condition, bool loop) {
-    const TemporaryScope scope;
-    const Comparison comparison = EmitComparison(condition);
-    if (comparison.row != nullptr) {
-        const auto first = static_cast<Opcode>(static_cast<std::uint16_t>(comparison.row->jumpUnless) + (loop ? 3 : 0));
-        return Emit(FormOf(first, comparison.right.form), 0, comparison.left, comparison.right.slot,
-                    comparison.right.value);
-    }
-    return Emit(loop ? Opcode::JT : Opcode::JF, 0, EmitValue(condition), 0);
 }
 
 }  // namespace
+
+TemporaryScope::TemporaryScope() : before_(temporaries) {}
+TemporaryScope::~TemporaryScope() {
+    temporaries = before_;
+}
 
 void EmitReset() {
     temporaries = 0;
@@ -253,9 +230,52 @@ std::uint16_t EmitTemporary() {
     return static_cast<std::uint16_t>(TEMPORARY | temporaries++);
 }
 
-std::int32_t EmitTemporariesUsed() { return temporariesMost; }
+std::int32_t EmitTemporariesUsed() {
+    return temporariesMost;
+}
 
-void EmitFreeTemporaries() { temporaries = 0; }
+void EmitFreeTemporaries() {
+    temporaries = 0;
+}
+
+const CompareRow* CompareRowOf(std::int32_t code) {
+    return RowOf(COMPARES, code);
+}
+
+Opcode FormOf(Opcode first, Form form) {
+    return static_cast<Opcode>(static_cast<std::uint16_t>(first) + static_cast<std::uint16_t>(form));
+}
+
+Operand EmitOperand(NodeId node) {
+    return IsNumber(node) ? ConstantOperand(NodeOf(node).cell) : Operand{Form::Slot, EmitValue(node), 0};
+}
+
+std::uint16_t EmitLeft(NodeId left, NodeId right) {
+    if (NodeOf(left).kind == NodeKind::Slot && NodeOf(right).calls) {
+        const std::uint16_t copy = EmitTemporary();
+        EmitInto(left, copy);
+        return copy;
+    }
+    return EmitValue(left);
+}
+
+void EmitArithmetic(std::uint16_t slot, std::int32_t code, std::uint16_t left, const Operand& right) {
+    if (const ArithmeticRow* row = RowOf(ARITHMETIC, code)) {
+        Emit(FormOf(row->slotSlot, right.form), slot, left, right.slot, right.value);
+        return;
+    }
+    std::uint16_t rightSlot = right.slot;
+    if (right.form != Form::Slot) {
+        rightSlot = EmitTemporary();
+        Emit(Opcode::LOAD, rightSlot, 0, right.form == Form::Int ? TYPE_INT : TYPE_REAL, right.value);
+    }
+    const CompareRow* row = CompareRowOf(code);
+    Emit(row != nullptr ? row->value : Opcode::BINARY, slot, left, rightSlot, code);
+}
+
+void EmitConstant(std::uint16_t slot, const DataCell& cell) {
+    Emit(cell.type == TYPE_OBJECT ? Opcode::LOAD_OBJECT : Opcode::LOAD, slot, 0, cell.type, cell.integer);
+}
 
 std::uint16_t EmitValue(NodeId node) {
     if (NodeOf(node).kind == NodeKind::Slot) {
@@ -274,29 +294,36 @@ void EmitInto(NodeId id, std::uint16_t slot) {
     const TemporaryScope scope;
     switch (node.kind) {
         case NodeKind::Constant:
-            Emit(Opcode::LOAD, slot, 0, node.cell.type, node.cell.integer);
+            EmitConstant(slot, node.cell);
             break;
         case NodeKind::Slot:
-            Emit(Opcode::ASSIGN, slot, static_cast<std::uint16_t>(node.index), 0);
+            Emit(IsTemporary(slot) ? Opcode::COPY : Opcode::ASSIGN, slot,
+                 static_cast<std::uint16_t>(node.index), 0);
             break;
-        case NodeKind::Global:
-            Emit(Opcode::GET_GLOBAL, slot, 0, 0, node.index);
-            break;
-        case NodeKind::Element: {
-            const std::vector<Operand> subscripts = EmitSubscripts(id, node.calls);
-            EmitElement(false, EmitValue(node.left), subscripts, slot);
+        case NodeKind::Global: {
+            const std::uint16_t temporary = IsTemporary(slot) ? slot : EmitTemporary();
+            Emit(Opcode::GET_GLOBAL, temporary, 0, 0, node.index);
+            if (temporary != slot) {
+                Emit(Opcode::ASSIGN, slot, temporary, 0);
+            }
             break;
         }
+        case NodeKind::Element:
+            EmitElementRead(EmitPlace(id, node.calls), slot);
+            break;
         case NodeKind::Call: {
+            // The last temporary taken may be where the result lands by itself.
+            const bool lands = IsTemporary(slot) && (slot & ~TEMPORARY) + 1 == temporaries;
+            temporaries -= lands ? 1 : 0;
             const std::uint16_t result = EmitCall(id, Opcode::CALL);
-            Emit(Opcode::ASSIGN, slot, result, 0);
+            if (result != slot) {
+                Emit(IsTemporary(slot) ? Opcode::COPY : Opcode::ASSIGN, slot, result, 0);
+            }
             break;
         }
-        case NodeKind::Unary: {
-            const std::uint16_t operand = EmitValue(node.left);
-            Emit(Opcode::UNARY, slot, operand, 0, node.index);
+        case NodeKind::Unary:
+            Emit(node.index == OP_NOT ? Opcode::NOT : Opcode::NEGATE, slot, EmitValue(node.left), 0);
             break;
-        }
         case NodeKind::Binary:
             EmitBinary(id, slot);
             break;
@@ -313,148 +340,24 @@ void EmitDropped(NodeId node) {
     }
 }
 
-std::int32_t EmitJumpUnless(NodeId condition) { return EmitConditional(condition, false); }
-
-void EmitLoopIf(NodeId condition, std::int32_t target) {
-    const bool always = NodeOf(condition).kind == NodeKind::Constant &&
-                        (NodeOf(condition).cell.type & TYPE_FLAG) != 0 && NodeOf(condition).cell.integer != 0;
-    CodePatch(always ? Emit(Opcode::LOOP, 0, 0, 0) : EmitConditional(condition, true), target);
-}
-
-bool EmitCountedLoop(std::uint16_t slot, NodeId condition, std::int32_t target) {
-    const Node node = NodeOf(condition);
-    if (node.kind != NodeKind::Binary || (node.index != OP_LESS && node.index != OP_LESS_EQUAL) ||
-        NodeOf(node.left).kind != NodeKind::Slot || NodeOf(node.left).index != slot) {
-        return false;
-    }
-    const Opcode first = node.index == OP_LESS ? Opcode::FOR_LESS_SS : Opcode::FOR_LESS_EQUAL_SS;
-    if (IsConstant(node.right, TYPE_INT)) {
-        CodePatch(Emit(FormOf(first, Form::Int), 0, slot, 0, NodeOf(node.right).cell.integer), target);
-        return true;
-    }
-    if (NodeOf(node.right).kind == NodeKind::Slot && NodeOf(node.right).index != slot) {
-        CodePatch(Emit(first, 0, slot, static_cast<std::uint16_t>(NodeOf(node.right).index)), target);
-        return true;
-    }
-    return false;
-}
-
-void EmitAssign(NodeId target, NodeId value) {
-    const Node node = NodeOf(target);
-    if (node.kind == NodeKind::Slot) {
-        EmitInto(value, static_cast<std::uint16_t>(node.index));
-        return;
-    }
-    if (node.kind == NodeKind::Global) {
-        Emit(Opcode::SET_GLOBAL, 0, EmitValue(value), 0, node.index);
-        return;
-    }
-    const std::vector<Operand> subscripts = EmitSubscripts(target, node.calls || NodeOf(value).calls);
-    const std::uint16_t slot = EmitValue(value);
-    EmitElement(true, EmitValue(node.left), subscripts, slot);
-}
-
-void EmitUpdate(NodeId target, std::int32_t code, NodeId value) {
-    const Node node = NodeOf(target);
-    const auto apply = [code, value](std::uint16_t into, std::uint16_t from) {
-        if (value != NO_NODE) {
-            const Operand right = EmitOperand(value);
-            EmitArithmetic(into, code, from, right);
-        } else {
-            if (into != from) {
-                Emit(Opcode::ASSIGN, into, from, 0);
-            }
-            Emit(code == OP_INCREMENT ? Opcode::INCREMENT : Opcode::DECREMENT, into, 0, 0);
+ElementPlace EmitPlace(NodeId element, bool callsLater) {
+    ElementPlace place{NodeOf(element).left, {}};
+    for (NodeId child = NodeOf(element).firstChild; child != NO_NODE; child = NodeOf(child).nextSibling) {
+        Operand operand = EmitOperand(child);
+        if (operand.form == Form::Real || (NodeOf(child).kind == NodeKind::Slot && callsLater)) {
+            operand = {Form::Slot, EmitTemporary(), 0};
+            EmitInto(child, operand.slot);
         }
-    };
-    if (node.kind == NodeKind::Slot) {
-        const auto slot = static_cast<std::uint16_t>(node.index);
-        if (value != NO_NODE && NodeOf(value).calls) {
-            const std::uint16_t copy = EmitTemporary();
-            EmitInto(target, copy);
-            apply(slot, copy);
-        } else {
-            apply(slot, slot);
-        }
-        return;
+        place.subscripts.push_back(operand);
     }
-    if (node.kind == NodeKind::Global) {
-        const std::uint16_t copy = EmitTemporary();
-        EmitInto(target, copy);
-        apply(copy, copy);
-        Emit(Opcode::SET_GLOBAL, 0, copy, 0, node.index);
-        return;
-    }
-    const bool calls = node.calls || (value != NO_NODE && NodeOf(value).calls);
-    const std::vector<Operand> subscripts = EmitSubscripts(target, calls);
-    const std::uint16_t array = EmitValue(node.left);
-    const std::uint16_t copy = EmitTemporary();
-    EmitElement(false, array, subscripts, copy);
-    apply(copy, copy);
-    EmitElement(true, array, subscripts, copy);
+    return place;
 }
 
-namespace {
-
-void EmitArrayOfSizes(std::uint16_t slot, const std::vector<NodeId>& sizes, const std::vector<std::int32_t>& counts) {
-    const TemporaryScope scope;
-    const std::size_t dimensions = std::max(sizes.size(), counts.size());
-    std::uint16_t first = 0;
-    for (std::size_t i = 0; i < dimensions; ++i) {
-        const std::uint16_t size = EmitTemporary();
-        first = i == 0 ? size : first;
-        if (i < sizes.size()) {
-            EmitInto(sizes[i], size);
-        } else {
-            Emit(Opcode::LOAD, size, 0, TYPE_INT, counts[i]);
-        }
-    }
-    Emit(Opcode::ARRAY, slot, first, static_cast<std::uint16_t>(dimensions));
+void EmitElementRead(const ElementPlace& place, std::uint16_t slot) {
+    EmitElement(READ, place, slot);
 }
-
-// The count of each dimension that an initialiser's shape asks for.
-void ListShape(NodeId list, std::size_t depth, std::vector<std::int32_t>& counts) {
-    if (counts.size() <= depth) {
-        counts.push_back(0);
-    }
-    counts[depth] = std::max(counts[depth], NodeOf(list).children);
-    for (NodeId child = NodeOf(list).firstChild; child != NO_NODE; child = NodeOf(child).nextSibling) {
-        if (NodeOf(child).kind == NodeKind::List) {
-            ListShape(child, depth + 1, counts);
-        }
-    }
-}
-
-}  // namespace
-
-void EmitArray(std::uint16_t slot, NodeId sizes) {
-    std::vector<NodeId> dimensions;
-    for (NodeId child = NodeOf(sizes).firstChild; child != NO_NODE; child = NodeOf(child).nextSibling) {
-        dimensions.push_back(child);
-    }
-    EmitArrayOfSizes(slot, dimensions, {});
-}
-
-void EmitArrayLike(std::uint16_t slot, NodeId list) {
-    std::vector<std::int32_t> counts;
-    ListShape(list, 0, counts);
-    EmitArrayOfSizes(slot, {}, counts);
-}
-
-void EmitInitialise(std::uint16_t array, NodeId list) {
-    Emit(Opcode::FIT, array, 0, 0, NodeOf(list).children);
-    std::int32_t index = 0;
-    for (NodeId child = NodeOf(list).firstChild; child != NO_NODE; child = NodeOf(child).nextSibling, ++index) {
-        const TemporaryScope scope;
-        if (NodeOf(child).kind == NodeKind::List) {
-            const std::uint16_t inner = EmitTemporary();
-            Emit(Opcode::GET_ELEMENT_K, inner, array, 0, index);
-            EmitInitialise(inner, child);
-        } else {
-            const std::uint16_t slot = EmitValue(child);
-            Emit(Opcode::SET_ELEMENT_K, slot, array, 0, index);
-        }
-    }
+void EmitElementWrite(const ElementPlace& place, std::uint16_t slot) {
+    EmitElement(WRITE, place, slot);
 }
 
 }  // namespace quelmark

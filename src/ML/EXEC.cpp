@@ -1,239 +1,115 @@
 #include "ML/EXEC.h"
 
-#include <algorithm>
 #include <bit>
-#include <chrono>
-#include <cstdio>
-#include <utility>
+#include <cstring>
 
+#include "ML/COLD.h"
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "ML/MEMBER.h"
-#include "ML/OPERATE.h"
-#include "ML/PARSE.h"
-#include "text/sjis.h"
 
 namespace quelmark {
-
-Frame Frames[FRAMES_MOST];
-std::int32_t FrameDepth = -1;
-
 namespace {
 
-// Loop turns and calls between two looks at the clock.
-constexpr std::int32_t TICKS = 4096;
-constexpr std::chrono::milliseconds POLL_INTERVAL{4};
-
-using Clock = std::chrono::steady_clock;
-
-std::int32_t nesting = 0;
-BreakCheck breakCheck = nullptr;
-bool traceOn = false;
-std::int32_t ticks = TICKS;
-Clock::time_point lastPoll;
-ScriptFunction topLevelFunction;
-
-// Asks the host, at most every few milliseconds, whether to stop.
-[[gnu::noinline]] void Poll() {
-    ticks = TICKS;
-    const Clock::time_point now = Clock::now();
-    if (breakCheck == nullptr || now - lastPoll < POLL_INTERVAL) {
-        return;
-    }
-    const bool stop = breakCheck();
-    lastPoll = Clock::now();
-    if (stop) {
-        RuntimeError("%s", "強制終了しました"_sjis);
-    }
+// Cells are read and written as two 32-bit halves, type with count and payload: a wider read of a cell whose
+// halves have just been written would wait until both have left the processor's store buffer.
+inline std::uint32_t TagOf(const DataCell& cell) {
+    std::uint32_t tag;
+    std::memcpy(&tag, &cell, sizeof tag);
+    return tag;
+}
+inline void SetTag(DataCell& cell, std::uint32_t tag) {
+    std::memcpy(&cell, &tag, sizeof tag);
+}
+inline void PutInt(DataCell& cell, std::int32_t value) {
+    SetTag(cell, TYPE_INT);
+    cell.integer = value;
+}
+inline void PutReal(DataCell& cell, float value) {
+    SetTag(cell, TYPE_REAL);
+    cell.real = value;
+}
+inline void PutBool(DataCell& cell, bool value) {
+    SetTag(cell, TYPE_BOOLEAN);
+    cell.integer = value ? 1 : 0;
+}
+inline void Put(DataCell& cell, std::uint32_t tag, std::int32_t payload) {
+    SetTag(cell, tag);
+    cell.integer = payload;
 }
 
-[[noreturn, gnu::noinline]] void ReportOverflow() { RuntimeError("%s", "スタックオーバーフロー！！"_sjis); }
-
-void WriteTrace(std::int32_t index, std::int32_t kind) {
-    const SourcePosition position = CodePositionOf(index);
-    char text[512];
-    std::snprintf(text, sizeof text, "EXEC[%06X][%s:%4d] : %d : %d\n",
-                  static_cast<unsigned>(static_cast<std::size_t>(index) * sizeof(Instruction)),
-                  position.file == nullptr ? "" : position.file, position.line, 3, kind);
-    TraceLog(text);
+// A value that can be copied as it is; into a temporary an array can be, too.
+inline bool IsPlain(std::uint32_t tag) {
+    return tag - 1 < TYPE_ARRAY - 1;
 }
-
-// Prepares a frame for a script function whose arguments start at `base`.
-void PushFrame(const ScriptFunction& function, std::int32_t argc, DataCell* base, DataCell* result, bool wantsResult) {
-    const std::int32_t first = static_cast<std::int32_t>(base - StackBuf);
-    const std::int32_t top = first + function.cells - 1;
-    if (top > StackHighWater) {
-        StackRaiseHighWater(top);
-    }
-    if (FrameDepth + 1 >= FRAMES_MOST) {
-        ReportOverflow();
-    }
-    for (std::int32_t i = argc; i < function.locals; ++i) {
-        base[i] = NoCell();
-    }
-    for (std::int32_t i = function.locals; i < argc; ++i) {
-        ReleaseOwned({base + i, true});  // more arguments than the function has locals
-    }
-    Frames[++FrameDepth] = {Code.data() + function.code, base, &function, result, StackPtr, wantsResult};
-    StackPtr = top;
+inline bool IsPlainOrArray(std::uint32_t tag) {
+    return static_cast<std::uint16_t>(tag - 1) < TYPE_ARRAY;
 }
-
-// Ends the running frame: releases what it holds and cuts the stack back to the caller's.
-void PopFrame() {
-    const Frame& frame = Frames[FrameDepth];
-    DataCell* behindLocals = frame.base + frame.function->cells;
-    if (StackBuf + StackPtr >= behindLocals) {
-        StackRelease(behindLocals - 1);  // arrays
-    }
-    for (DataCell* cell = frame.base; cell < frame.base + frame.function->locals; ++cell) {
-        ReleaseOwned({cell, true});
-    }
-    StackPtr = frame.callerTop;
-    --FrameDepth;
+inline bool IsFlag(std::uint32_t tag) {
+    return tag - 1 < TYPE_INT;
 }
-
-// The arguments of a call, moved above the arrays of the running frame.
-[[gnu::noinline]] DataCell* MoveArgumentsUp(DataCell* argv, std::int32_t argc) {
-    const std::int32_t first = StackPtr + 1;
-    if (argc >= MaxStack - StackPtr) {
-        StackRaiseHighWater(MaxStack);
-    }
-    for (std::int32_t i = 0; i < argc; ++i) {
-        StackBuf[first + i] = argv[i];
-        if (argv[i].type == TYPE_OBJECT) {
-            argv[i].type = TYPE_NOASSIGN;
-        }
-    }
-    return StackBuf + first;
-}
-
-// A call of anything but a script function in place. The arguments are in temporaries of the running frame.
-[[gnu::noinline]] void CallFromFrame(const Instruction& call, DataCell* argv, bool wantsResult) {
-    const Frame& frame = Frames[FrameDepth];
-    const std::int32_t top = StackPtr;
-    const std::int32_t argc = call.b;
-    const Member& member = MemberFor(call.value, argc, argv);
-    if (member.kind == MemberKind::Undefined) {
-        ReportUndefined(call.value);
-    }
-    DataCell* place = argv;
-    if (StackBuf + top >= frame.base + frame.function->cells) {
-        place = MoveArgumentsUp(argv, argc);
-    }
-    StackPtr = static_cast<std::int32_t>(place - StackBuf) + argc - 1;
-    if (StackPtr > StackHighWater) {
-        const std::int32_t reached = StackPtr;
-        StackPtr = top;
-        StackRaiseHighWater(reached);
-        StackPtr = reached;
-    }
-    const ExecNesting guard;
-    const std::int32_t status = CallBuiltIn(member, call.value, argc, place);
-    const DataCell result = status == RESULT ? *place : NoCell();
-    if (status == RESULT && result.type == TYPE_OBJECT) {
-        place->type = TYPE_NOASSIGN;
-    }
-    StackPtr = top;
-    if (wantsResult) {
-        *argv = result;
-        if (result.type == TYPE_NOASSIGN) {
-            ReportUnassigned();
-        }
-    } else if (result.type == TYPE_OBJECT) {
-        ObjectRelease(ObjectOf(result));
-    }
-}
-
-OperandCell OperandOf(DataCell* base, std::uint16_t slot, const ScriptFunction& function) {
-    return {base + slot, slot >= function.locals};
-}
-
-// a = b op c by the rules, with c a cell that no slot holds for the immediate forms.
-[[gnu::noinline]] void OperateSlow(std::int32_t code, const Instruction& i, const Frame& frame) {
-    Operate(code, frame.base + i.a, OperandOf(frame.base, i.b, *frame.function),
-            OperandOf(frame.base, i.c, *frame.function));
-}
-[[gnu::noinline]] void OperateSlowImmediate(std::int32_t code, const Instruction& i, const Frame& frame,
-                                            DataCell right) {
-    Operate(code, frame.base + i.a, OperandOf(frame.base, i.b, *frame.function), {&right, false});
-}
-[[gnu::noinline]] bool ConditionSlow(std::int32_t code, const Instruction& i, const Frame& frame) {
-    return OperateCondition(code, OperandOf(frame.base, i.b, *frame.function),
-                            OperandOf(frame.base, i.c, *frame.function));
-}
-[[gnu::noinline]] bool ConditionSlowImmediate(std::int32_t code, const Instruction& i, const Frame& frame,
-                                              DataCell right) {
-    return OperateCondition(code, OperandOf(frame.base, i.b, *frame.function), {&right, false});
-}
-// A variable gets the value by the rules of assignment; a temporary is overwritten, whatever it held before.
-void Deliver(const Frame& frame, std::uint16_t slot, OperandCell source) {
-    if (slot >= frame.function->locals) {
-        frame.base[slot] = NoCell();
-    }
-    Assign(frame.base + slot, source);
-}
-[[gnu::noinline]] void AssignSlow(const Frame& frame, std::uint16_t slot, std::uint16_t source) {
-    Deliver(frame, slot, OperandOf(frame.base, source, *frame.function));
-}
-[[gnu::noinline]] void AssignFrom(const Frame& frame, std::uint16_t slot, DataCell* source) {
-    Deliver(frame, slot, {source, false});
-}
-[[gnu::noinline]] void AssignTo(DataCell* variable, const Frame& frame, std::uint16_t source) {
-    Assign(variable, OperandOf(frame.base, source, *frame.function));
-}
-
-[[gnu::noinline]] void LoadSlow(DataCell* destination, DataCell constant) { Assign(destination, {&constant, false}); }
-
-DataCell ConstantOf(const Instruction& i) {
-    DataCell cell{i.c, 0, {0}};
-    cell.integer = i.value;
-    return cell;
-}
-DataCell RealImmediate(const Instruction& i) {
-    DataCell cell{TYPE_REAL, 0, {0}};
-    cell.integer = i.value;
-    return cell;
-}
-
-[[gnu::noinline]] void CheckFit(const DataCell& array, std::int32_t count) {
-    if (array.type != TYPE_ARRAY) {
-        RuntimeError("%s", "配列の添え字が不正です"_sjis);
-    }
-    if (static_cast<std::uint32_t>(count) > ArrayCount(array)) {
-        RuntimeError("%s", "大きさの異なる配列は代入できません。"_sjis);
-    }
+// A place from which something must be released.
+inline bool HoldsObject(const DataCell& cell) {
+    return cell.type == TYPE_OBJECT;
 }
 
 // The element when everything is in order, else null: the slow path tells what is wrong.
-inline DataCell* ElementFast(const DataCell& array, const DataCell& subscript) {
-    if (array.type == TYPE_ARRAY && subscript.type == TYPE_INT &&
-        static_cast<std::uint32_t>(subscript.integer) < ArrayCount(array)) {
-        const std::uint32_t index = array.element + static_cast<std::uint32_t>(subscript.integer);
-        if (index <= static_cast<std::uint32_t>(StackPtr)) {
+inline DataCell* ElementOf(const DataCell& array, std::uint32_t subscript) {
+    const std::uint32_t tag = TagOf(array);
+    if (static_cast<std::uint16_t>(tag) == TYPE_ARRAY && subscript < tag >> 16) [[likely]] {
+        const std::uint32_t index = array.element + subscript;
+        if (index <= static_cast<std::uint32_t>(StackPtr)) [[likely]] {
             return StackBuf + index;
         }
     }
     return nullptr;
 }
-inline DataCell* Element(const DataCell& array, const DataCell& subscript) {
-    DataCell* element = ElementFast(array, subscript);
-    return element != nullptr ? element : ElementAt(array, subscript);
+inline DataCell* ElementOf(const DataCell& array, const DataCell& subscript) {
+    return TagOf(subscript) == TYPE_INT ? ElementOf(array, static_cast<std::uint32_t>(subscript.integer))
+                                        : nullptr;
 }
 
-// A value that can be copied as it is, and a place that nothing must be released from.
-inline bool IsPlain(const DataCell& cell) { return static_cast<std::uint16_t>(cell.type - 1) < TYPE_ARRAY - 1; }
-inline bool HoldsObject(const DataCell& cell) { return cell.type == TYPE_OBJECT; }
-
-inline DataCell RealResult(float value) {
-    DataCell cell{TYPE_REAL, 0, {0}};
-    cell.real = value;
-    return cell;
+// Calls a built-in, or reports what is undefined, for arguments in temporaries of the running frame.
+void CallFromFrame(const Instruction& call, const Frame& frame, DataCell* argv, bool wantsResult) {
+    const std::int32_t argc = call.b;
+    const std::int32_t top = StackPtr;
+    const Member& member = MemberFor(call.value, argc, argv);
+    if (member.kind != MemberKind::BuiltIn) {
+        ReportUndefined(call.value);
+    }
+    DataCell* place = argv;
+    if (top != frame.top) {
+        place = MoveArgumentsUp(argv, argc);
+        if (top + argc > StackHighWater) {
+            StackRaiseHighWater(top + argc);
+        }
+    }
+    StackPtr = static_cast<std::int32_t>(place - StackBuf) + argc - 1;
+    const bool result = CallBuiltIn(member, call.value, argc, place) == RESULT;
+    StackPtr = top;
+    if (!result) {
+        if (wantsResult) {
+            ReportUnassigned();
+        }
+    } else if (wantsResult) {
+        if (place != argv) {
+            const DataCell value = *place;
+            place->type = TYPE_NOASSIGN;
+            *argv = value;
+        }
+    } else if (HoldsObject(*place)) {
+        ReleaseCell(place);
+    }
 }
 
-// Runs until the frame at `bottom` has returned. RESULT when it left a result.
-std::int32_t Execute(std::int32_t bottom) {
-    const Instruction* at = Frames[FrameDepth].at;
-    DataCell* base = Frames[FrameDepth].base;
+}  // namespace
+
+std::int32_t Execute() {
+    Frame* frame = CurrentFrame;
+    const Frame* const bottom = frame;
+    const Instruction* at = frame->at;
+    DataCell* base = frame->base;
+    const Instruction* i = nullptr;
 
 // Computed goto where the compiler has it, a switch elsewhere, from the same list and bodies.
 #if defined(__GNUC__)
@@ -247,10 +123,10 @@ std::int32_t Execute(std::int32_t bottom) {
         QUELMARK_OPCODES(QUELMARK_LABEL)
 #undef QUELMARK_LABEL
     };
-#define NEXT                                              \
-    do {                                                  \
-        i = at++;                                         \
-        goto* LABELS[static_cast<std::size_t>(i->op)];    \
+#define NEXT                                           \
+    do {                                               \
+        i = at++;                                      \
+        goto* LABELS[static_cast<std::size_t>(i->op)]; \
     } while (false)
 #define CASE(name) L_##name:
 #define DISPATCH NEXT;
@@ -258,291 +134,314 @@ std::int32_t Execute(std::int32_t bottom) {
 #else
 #define NEXT goto dispatch
 #define CASE(name) case Opcode::name:
-#define DISPATCH          \
-    dispatch: i = at++; \
+#define DISPATCH \
+    dispatch:    \
+    i = at++;    \
     switch (i->op) {
-#define DISPATCH_END \
-    case Opcode::COUNT: break; }
+#define DISPATCH_END    \
+    case Opcode::COUNT: \
+        break;          \
+        }
 #endif
-#define SAVE (Frames[FrameDepth].at = at)
-#define TICK                      \
-    do {                          \
-        if (--ticks <= 0) {       \
-            SAVE;                 \
-            Poll();               \
-        }                         \
-    } while (false)
 
-// a = b op c. `INTEGER` and `REAL` are expressions over l and r; a null REAL leaves reals to the rules.
+// Before anything that may report an error or run something else: the position and the frame are written
+// back.
+#define SAVE (frame->at = at, CurrentFrame = frame)
+#define SLOW(call) \
+    do {           \
+        SAVE;      \
+        call;      \
+        NEXT;      \
+    } while (false)
+#define TICK                         \
+    if (--Ticks <= 0) [[unlikely]] { \
+        SAVE;                        \
+        ExecPoll();                  \
+    }
+
+// a = b op c. INTEGER and REAL say what becomes of l and r; HAS_REAL 0 leaves reals to the rules.
 #define ARITHMETIC(NAME, CODE, INTEGER, REAL, HAS_REAL)                                        \
     CASE(NAME##_SS) {                                                                          \
         DataCell& d = base[i->a];                                                              \
-        const DataCell left = base[i->b];                                                      \
-        const DataCell right = base[i->c];                                                     \
-        if (left.type == right.type && !HoldsObject(d)) [[likely]] {                           \
-            if (left.type == TYPE_INT) [[likely]] {                                            \
+        const DataCell& left = base[i->b];                                                     \
+        const DataCell& right = base[i->c];                                                    \
+        const std::uint32_t tag = TagOf(left);                                                 \
+        if (tag == TagOf(right) && !HoldsObject(d)) [[likely]] {                               \
+            if (tag == TYPE_INT) [[likely]] {                                                  \
                 const std::int32_t l = left.integer, r = right.integer;                        \
-                d = IntCell(INTEGER);                                                          \
+                PutInt(d, INTEGER);                                                            \
                 NEXT;                                                                          \
             }                                                                                  \
-            if (HAS_REAL && left.type == TYPE_REAL) {                                          \
-                [[maybe_unused]] const float l = left.real, r = right.real;                                     \
-                d = RealResult(REAL);                                                          \
+            if (HAS_REAL && tag == TYPE_REAL) [[likely]] {                                     \
+                [[maybe_unused]] const float l = left.real, r = right.real;                    \
+                PutReal(d, REAL);                                                              \
                 NEXT;                                                                          \
             }                                                                                  \
         }                                                                                      \
-        SAVE;                                                                                  \
-        OperateSlow(CODE, *i, Frames[FrameDepth]);                                             \
-        NEXT;                                                                                  \
+        if (HAS_REAL && tag == TYPE_REAL && TagOf(right) == TYPE_INT && !HoldsObject(d)) {     \
+            [[maybe_unused]] const float l = left.real, r = static_cast<float>(right.integer); \
+            PutReal(d, REAL);                                                                  \
+            NEXT;                                                                              \
+        }                                                                                      \
+        SLOW(OperateSlots(CODE, *i, *frame));                                                  \
     }                                                                                          \
     CASE(NAME##_SI) {                                                                          \
         DataCell& d = base[i->a];                                                              \
-        const DataCell left = base[i->b];                                                      \
+        const DataCell& left = base[i->b];                                                     \
+        const std::uint32_t tag = TagOf(left);                                                 \
         if (!HoldsObject(d)) [[likely]] {                                                      \
-            if (left.type == TYPE_INT) [[likely]] {                                            \
+            if (tag == TYPE_INT) [[likely]] {                                                  \
                 const std::int32_t l = left.integer, r = i->value;                             \
-                d = IntCell(INTEGER);                                                          \
+                PutInt(d, INTEGER);                                                            \
                 NEXT;                                                                          \
             }                                                                                  \
-            if (HAS_REAL && left.type == TYPE_REAL) {                                          \
-                [[maybe_unused]] const float l = left.real, r = static_cast<float>(i->value);                   \
-                d = RealResult(REAL);                                                          \
+            if (HAS_REAL && tag == TYPE_REAL && i->c == 0) [[likely]] {                        \
+                [[maybe_unused]] const float l = left.real, r = static_cast<float>(i->value);  \
+                PutReal(d, REAL);                                                              \
                 NEXT;                                                                          \
             }                                                                                  \
         }                                                                                      \
-        SAVE;                                                                                  \
-        OperateSlowImmediate(CODE, *i, Frames[FrameDepth], IntCell(i->value));                 \
-        NEXT;                                                                                  \
+        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_INT));                                    \
     }                                                                                          \
     CASE(NAME##_SR) {                                                                          \
         DataCell& d = base[i->a];                                                              \
-        const DataCell left = base[i->b];                                                      \
-        if (HAS_REAL && left.type == TYPE_REAL && !HoldsObject(d)) [[likely]] {                \
-            [[maybe_unused]] const float l = left.real, r = std::bit_cast<float>(i->value);                     \
-            d = RealResult(REAL);                                                              \
+        const DataCell& left = base[i->b];                                                     \
+        if (HAS_REAL && TagOf(left) == TYPE_REAL && !HoldsObject(d)) [[likely]] {              \
+            [[maybe_unused]] const float l = left.real, r = std::bit_cast<float>(i->value);    \
+            PutReal(d, REAL);                                                                  \
             NEXT;                                                                              \
         }                                                                                      \
-        SAVE;                                                                                  \
-        OperateSlowImmediate(CODE, *i, Frames[FrameDepth], RealImmediate(*i));                 \
-        NEXT;                                                                                  \
+        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_REAL));                                   \
     }
 
-// Truth of b OP c for a right operand in a slot, an INT or a REAL; `THEN` sees it as `truth`.
-#define TRUTH_SS(CODE, OP, THEN)                                                               \
-    {                                                                                          \
-        const DataCell left = base[i->b];                                                      \
-        const DataCell right = base[i->c];                                                     \
-        bool truth;                                                                            \
-        if (left.type == TYPE_INT && right.type == TYPE_INT) [[likely]] {                      \
-            truth = left.integer OP right.integer;                                             \
-        } else if (left.type == TYPE_REAL && right.type == TYPE_REAL) {                        \
-            truth = left.real OP right.real;                                                   \
-        } else {                                                                               \
-            SAVE;                                                                              \
-            truth = ConditionSlow(CODE, *i, Frames[FrameDepth]);                               \
-        }                                                                                      \
-        THEN;                                                                                  \
-    }
-#define TRUTH_SI(CODE, OP, THEN)                                                               \
-    {                                                                                          \
-        const DataCell left = base[i->b];                                                      \
-        bool truth;                                                                            \
-        if (left.type == TYPE_INT) [[likely]] {                                                \
-            truth = left.integer OP i->value;                                                  \
-        } else {                                                                               \
-            SAVE;                                                                              \
-            truth = ConditionSlowImmediate(CODE, *i, Frames[FrameDepth], IntCell(i->value));   \
-        }                                                                                      \
-        THEN;                                                                                  \
-    }
-#define TRUTH_SR(CODE, OP, THEN)                                                               \
-    {                                                                                          \
-        const DataCell left = base[i->b];                                                      \
-        bool truth;                                                                            \
-        if (left.type == TYPE_REAL) [[likely]] {                                               \
-            truth = left.real OP std::bit_cast<float>(i->value);                               \
-        } else {                                                                               \
-            SAVE;                                                                              \
-            truth = ConditionSlowImmediate(CODE, *i, Frames[FrameDepth], RealImmediate(*i));   \
-        }                                                                                      \
-        THEN;                                                                                  \
-    }
-#define JUMP_UNLESS          \
-    if (!truth) {            \
-        at += i->jump;       \
-    }                        \
+#define JUMP_UNLESS(CONDITION) \
+    if (!(CONDITION)) {        \
+        at += i->jump;         \
+    }                          \
     NEXT
-#define JUMP_BACK_IF         \
-    if (truth) {             \
-        at += i->jump;       \
-        TICK;                \
-    }                        \
+#define JUMP_BACK_IF(CONDITION) \
+    if (CONDITION) {            \
+        at += i->jump;          \
+        TICK                    \
+    }                           \
     NEXT
-#define COMPARE(NAME, CODE, OP)                                                                \
-    CASE(NAME##_SS) {                                                                          \
-        DataCell& d = base[i->a];                                                              \
-        const DataCell left = base[i->b];                                                      \
-        const DataCell right = base[i->c];                                                     \
-        if (left.type == right.type && !HoldsObject(d)) [[likely]] {                           \
-            if (left.type == TYPE_INT) {                                                       \
-                d = BoolCell(left.integer OP right.integer);                                   \
-                NEXT;                                                                          \
-            }                                                                                  \
-            if (left.type == TYPE_REAL) {                                                      \
-                d = BoolCell(left.real OP right.real);                                         \
-                NEXT;                                                                          \
-            }                                                                                  \
-        }                                                                                      \
-        SAVE;                                                                                  \
-        OperateSlow(CODE, *i, Frames[FrameDepth]);                                             \
-        NEXT;                                                                                  \
-    }                                                                                          \
-    CASE(JF_##NAME##_SS) TRUTH_SS(CODE, OP, JUMP_UNLESS)                                       \
-    CASE(JF_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_UNLESS)                                       \
-    CASE(JF_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_UNLESS)                                       \
-    CASE(JT_##NAME##_SS) TRUTH_SS(CODE, OP, JUMP_BACK_IF)                                      \
-    CASE(JT_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_BACK_IF)                                      \
-    CASE(JT_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_BACK_IF)
-
-// ++b, then the truth as above.
-#define COUNT_UP                                                                               \
-    if (base[i->b].type == TYPE_INT) [[likely]] {                                              \
-        base[i->b].integer = WrapAdd(base[i->b].integer, 1);                                   \
-    } else {                                                                                   \
-        SAVE;                                                                                  \
-        Operate(OP_INCREMENT, base + i->b, {base + i->b, false}, {nullptr, false});            \
+// Jumps on b OP c for a right operand in a slot, an INT or a REAL.
+#define TRUTH_SS(CODE, OP, JUMP)                     \
+    {                                                \
+        const DataCell& left = base[i->b];           \
+        const DataCell& right = base[i->c];          \
+        const std::uint32_t tag = TagOf(left);       \
+        if (tag == TagOf(right)) [[likely]] {        \
+            if (tag == TYPE_INT) [[likely]] {        \
+                JUMP(left.integer OP right.integer); \
+            }                                        \
+            if (tag == TYPE_REAL) [[likely]] {       \
+                JUMP(left.real OP right.real);       \
+            }                                        \
+        }                                            \
+        SAVE;                                        \
+        JUMP(TruthOfSlots(CODE, *i, *frame));        \
     }
-#define COUNT_LOOP(NAME, CODE, OP)                                                             \
-    CASE(FOR_##NAME##_SS) {                                                                    \
-        COUNT_UP                                                                               \
-        TRUTH_SS(CODE, OP, JUMP_BACK_IF)                                                       \
-    }                                                                                          \
-    CASE(FOR_##NAME##_SI) {                                                                    \
-        COUNT_UP                                                                               \
-        TRUTH_SI(CODE, OP, JUMP_BACK_IF)                                                       \
+#define TRUTH_SI(CODE, OP, JUMP)                            \
+    {                                                       \
+        const DataCell& left = base[i->b];                  \
+        if (TagOf(left) == TYPE_INT) [[likely]] {           \
+            JUMP(left.integer OP i->value);                 \
+        }                                                   \
+        SAVE;                                               \
+        JUMP(TruthOfImmediate(CODE, *i, *frame, TYPE_INT)); \
+    }
+#define TRUTH_SR(CODE, OP, JUMP)                               \
+    {                                                          \
+        const DataCell& left = base[i->b];                     \
+        if (TagOf(left) == TYPE_REAL) [[likely]] {             \
+            JUMP(left.real OP std::bit_cast<float>(i->value)); \
+        }                                                      \
+        SAVE;                                                  \
+        JUMP(TruthOfImmediate(CODE, *i, *frame, TYPE_REAL));   \
+    }
+#define COMPARE(NAME, CODE, OP)                                                                    \
+    CASE(NAME##_SS) {                                                                              \
+        DataCell& d = base[i->a];                                                                  \
+        const DataCell& left = base[i->b];                                                         \
+        const DataCell& right = base[i->c];                                                        \
+        const std::uint32_t tag = TagOf(left);                                                     \
+        if (tag == TagOf(right) && !HoldsObject(d)) [[likely]] {                                   \
+            if (tag == TYPE_INT) [[likely]] {                                                      \
+                PutBool(d, left.integer OP right.integer);                                         \
+                NEXT;                                                                              \
+            }                                                                                      \
+            if (tag == TYPE_REAL) [[likely]] {                                                     \
+                PutBool(d, left.real OP right.real);                                               \
+                NEXT;                                                                              \
+            }                                                                                      \
+        }                                                                                          \
+        SLOW(OperateSlots(CODE, *i, *frame));                                                      \
+    }                                                                                              \
+    CASE(JF_##NAME##_SS)                                                                           \
+    TRUTH_SS(CODE, OP, JUMP_UNLESS) CASE(JF_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_UNLESS)           \
+        CASE(JF_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_UNLESS) CASE(JT_##NAME##_SS)                  \
+            TRUTH_SS(CODE, OP, JUMP_BACK_IF) CASE(JT_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_BACK_IF) \
+                CASE(JT_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_BACK_IF)
+
+// One turn of a counted loop: everything is INT, or the slow path takes the step and the test.
+#define TURN(TEST, STEP, LIMIT, CODE, OP, STEP_IN_SLOT, LIMIT_IN_SLOT)            \
+    {                                                                             \
+        DataCell& counter = base[i->b];                                           \
+        if (TagOf(counter) == TYPE_INT && TEST) [[likely]] {                      \
+            const std::int32_t next = WrapAdd(counter.integer, STEP);             \
+            counter.integer = next;                                               \
+            JUMP_BACK_IF(next OP LIMIT);                                          \
+        }                                                                         \
+        SAVE;                                                                     \
+        JUMP_BACK_IF(StepAndTest(CODE, *i, *frame, STEP_IN_SLOT, LIMIT_IN_SLOT)); \
+    }
+#define COUNT_LOOP(NAME, CODE, OP)                                                                     \
+    CASE(FOR_##NAME##_SS)                                                                              \
+    TURN(TagOf(base[i->c]) == TYPE_INT, static_cast<std::int16_t>(i->a), base[i->c].integer, CODE, OP, \
+         false, true)                                                                                  \
+    CASE(FOR_##NAME##_SI)                                                                              \
+    TURN(true, static_cast<std::int16_t>(i->a), i->value, CODE, OP, false, false)                      \
+    CASE(FOR_BY_##NAME##_SS)                                                                           \
+    TURN(TagOf(base[i->a]) == TYPE_INT && TagOf(base[i->c]) == TYPE_INT, base[i->a].integer,           \
+         base[i->c].integer, CODE, OP, true, true)                                                     \
+    CASE(FOR_BY_##NAME##_SI)                                                                           \
+    TURN(TagOf(base[i->a]) == TYPE_INT, base[i->a].integer, i->value, CODE, OP, true, false)
+
+// slot a = the element, the element = slot a.
+#define READ_ELEMENT(FOUND, ELSE)                               \
+    {                                                           \
+        const DataCell* const element = FOUND;                  \
+        DataCell& d = base[i->a];                               \
+        if (element != nullptr && !HoldsObject(d)) [[likely]] { \
+            const std::uint32_t tag = TagOf(*element);          \
+            if (IsPlain(tag)) [[likely]] {                      \
+                Put(d, tag, element->integer);                  \
+                NEXT;                                           \
+            }                                                   \
+        }                                                       \
+        SLOW(ELSE);                                             \
+    }
+#define WRITE_ELEMENT(FOUND, ELSE)                                                     \
+    {                                                                                  \
+        DataCell* const element = FOUND;                                               \
+        const DataCell& source = base[i->a];                                           \
+        const std::uint32_t tag = TagOf(source);                                       \
+        if (element != nullptr && IsPlain(tag) && !HoldsObject(*element)) [[likely]] { \
+            Put(*element, tag, source.integer);                                        \
+            NEXT;                                                                      \
+        }                                                                              \
+        SLOW(ELSE);                                                                    \
     }
 
-    const Instruction* i = nullptr;
     DISPATCH
 
     CASE(ASSIGN) {
         DataCell& d = base[i->a];
-        const DataCell source = base[i->b];
-        if (IsPlain(source) && !HoldsObject(d)) [[likely]] {
-            d = source;
+        const DataCell& source = base[i->b];
+        const std::uint32_t tag = TagOf(source);
+        if (IsPlain(tag) && !HoldsObject(d)) [[likely]] {
+            Put(d, tag, source.integer);
             NEXT;
         }
-        SAVE;
-        AssignSlow(Frames[FrameDepth], i->a, i->b);
-        NEXT;
+        SLOW(AssignSlot(*i, *frame));
+    }
+    CASE(COPY) {
+        const DataCell& source = base[i->b];
+        const std::uint32_t tag = TagOf(source);
+        if (IsPlainOrArray(tag)) [[likely]] {
+            Put(base[i->a], tag, source.integer);
+            NEXT;
+        }
+        SLOW(CopySlot(*i, *frame));
     }
     CASE(LOAD) {
         DataCell& d = base[i->a];
-        if (i->c < TYPE_ARRAY && !HoldsObject(d)) [[likely]] {
-            d = ConstantOf(*i);
+        if (!HoldsObject(d)) [[likely]] {
+            Put(d, i->c, i->value);
             NEXT;
         }
-        SAVE;
-        LoadSlow(&d, ConstantOf(*i));
-        NEXT;
+        SLOW(LoadConstant(*i, *frame));
+    }
+    CASE(LOAD_OBJECT) {
+        SLOW(LoadConstant(*i, *frame));
     }
     CASE(GET_GLOBAL) {
-        DataCell& d = base[i->a];
-        const DataCell source = StackBuf[i->value];
-        if (IsPlain(source) && !HoldsObject(d)) [[likely]] {
-            d = source;
+        const DataCell& source = StackBuf[i->value];
+        const std::uint32_t tag = TagOf(source);
+        if (IsPlainOrArray(tag)) [[likely]] {
+            Put(base[i->a], tag, source.integer);
             NEXT;
         }
-        SAVE;
-        AssignFrom(Frames[FrameDepth], i->a, StackBuf + i->value);
-        NEXT;
+        SLOW(GetGlobal(*i, *frame));
     }
     CASE(SET_GLOBAL) {
         DataCell& d = StackBuf[i->value];
-        const DataCell source = base[i->b];
-        if (IsPlain(source) && !HoldsObject(d)) [[likely]] {
-            d = source;
+        const DataCell& source = base[i->b];
+        const std::uint32_t tag = TagOf(source);
+        if (IsPlain(tag) && !HoldsObject(d)) [[likely]] {
+            Put(d, tag, source.integer);
             NEXT;
         }
-        SAVE;
-        AssignTo(&d, Frames[FrameDepth], i->b);
-        NEXT;
+        SLOW(SetGlobal(*i, *frame));
     }
-    CASE(GET_ELEMENT) {
-        SAVE;
-        DataCell* element = Element(base[i->b], base[i->c]);
-        DataCell& d = base[i->a];
-        if (IsPlain(*element) && !HoldsObject(d)) [[likely]] {
-            d = *element;
+    CASE(GET_ELEMENT)
+    READ_ELEMENT(ElementOf(base[i->b], base[i->c]), GetElement(*i, *frame, base[i->b], base[i->c]))
+    CASE(GET_ELEMENT_K)
+    READ_ELEMENT(ElementOf(base[i->b], static_cast<std::uint32_t>(i->value)),
+                 GetElement(*i, *frame, base[i->b], IntCell(i->value)))
+    CASE(GET_GLOBAL_ELEMENT)
+    READ_ELEMENT(ElementOf(StackBuf[i->value], base[i->b]),
+                 GetElement(*i, *frame, StackBuf[i->value], base[i->b]))
+    CASE(GET_GLOBAL_ELEMENT_K)
+    READ_ELEMENT(ElementOf(StackBuf[i->value], i->b),
+                 GetElement(*i, *frame, StackBuf[i->value], IntCell(i->b)))
+    CASE(GET_ROW) {
+        const DataCell* const row = ElementOf(base[i->b], base[i->c]);
+        if (row != nullptr && IsPlainOrArray(TagOf(*row))) [[likely]] {
+            Put(base[i->a], TagOf(*row), row->integer);
             NEXT;
         }
-        AssignFrom(Frames[FrameDepth], i->a, element);
-        NEXT;
-    }
-    CASE(GET_ELEMENT_K) {
-        SAVE;
-        DataCell* element = Element(base[i->b], IntCell(i->value));
-        DataCell& d = base[i->a];
-        if (IsPlain(*element) && !HoldsObject(d)) [[likely]] {
-            d = *element;
-            NEXT;
-        }
-        AssignFrom(Frames[FrameDepth], i->a, element);
-        NEXT;
+        SLOW(GetElement(*i, *frame, base[i->b], base[i->c]));
     }
     CASE(GET_ELEMENT_2) {
-        SAVE;
-        DataCell* element = Element(*Element(base[i->b], base[i->c]), base[i->jump]);
-        DataCell& d = base[i->a];
-        if (IsPlain(*element) && !HoldsObject(d)) [[likely]] {
-            d = *element;
-            NEXT;
+        const DataCell* const row = ElementOf(base[i->b], base[i->c]);
+        if (row != nullptr) [[likely]] {
+            READ_ELEMENT(ElementOf(*row, base[i->jump]), GetElement2(*i, *frame))
         }
-        AssignFrom(Frames[FrameDepth], i->a, element);
-        NEXT;
+        SLOW(GetElement2(*i, *frame));
     }
-    CASE(SET_ELEMENT) {
-        SAVE;
-        DataCell* element = Element(base[i->b], base[i->c]);
-        const DataCell source = base[i->a];
-        if (IsPlain(source) && !HoldsObject(*element)) [[likely]] {
-            *element = source;
-            NEXT;
-        }
-        AssignTo(element, Frames[FrameDepth], i->a);
-        NEXT;
-    }
-    CASE(SET_ELEMENT_K) {
-        SAVE;
-        DataCell* element = Element(base[i->b], IntCell(i->value));
-        const DataCell source = base[i->a];
-        if (IsPlain(source) && !HoldsObject(*element)) [[likely]] {
-            *element = source;
-            NEXT;
-        }
-        AssignTo(element, Frames[FrameDepth], i->a);
-        NEXT;
-    }
+    CASE(SET_ELEMENT)
+    WRITE_ELEMENT(ElementOf(base[i->b], base[i->c]), SetElement(*i, *frame, base[i->b], base[i->c]))
+    CASE(SET_ELEMENT_K)
+    WRITE_ELEMENT(ElementOf(base[i->b], static_cast<std::uint32_t>(i->value)),
+                  SetElement(*i, *frame, base[i->b], IntCell(i->value)))
+    CASE(SET_GLOBAL_ELEMENT)
+    WRITE_ELEMENT(ElementOf(StackBuf[i->value], base[i->b]),
+                  SetElement(*i, *frame, StackBuf[i->value], base[i->b]))
+    CASE(SET_GLOBAL_ELEMENT_K)
+    WRITE_ELEMENT(ElementOf(StackBuf[i->value], i->b),
+                  SetElement(*i, *frame, StackBuf[i->value], IntCell(i->b)))
     CASE(SET_ELEMENT_2) {
-        SAVE;
-        DataCell* element = Element(*Element(base[i->b], base[i->c]), base[i->jump]);
-        const DataCell source = base[i->a];
-        if (IsPlain(source) && !HoldsObject(*element)) [[likely]] {
-            *element = source;
+        const DataCell* const row = ElementOf(base[i->b], base[i->c]);
+        if (row != nullptr) [[likely]] {
+            WRITE_ELEMENT(ElementOf(*row, base[i->jump]), SetElement2(*i, *frame))
+        }
+        SLOW(SetElement2(*i, *frame));
+    }
+    CASE(SET_ELEMENT_CONSTANT) {
+        DataCell* const element = ElementOf(base[i->b], base[i->c]);
+        if (element != nullptr && !HoldsObject(*element)) [[likely]] {
+            Put(*element, i->a, i->value);
             NEXT;
         }
-        AssignTo(element, Frames[FrameDepth], i->a);
-        NEXT;
+        SLOW(SetElementConstant(*i, *frame));
     }
     CASE(ARRAY) {
-        SAVE;
-        DeclareArray(base + i->a, base + i->b, i->c);
-        NEXT;
+        SLOW(DeclareArrayInSlot(*i, *frame));
     }
     CASE(FIT) {
-        SAVE;
-        CheckFit(base[i->a], i->value);
-        NEXT;
+        SLOW(CheckFit(*i, *frame));
     }
     ARITHMETIC(ADD, OP_ADD, WrapAdd(l, r), l + r, true)
     ARITHMETIC(SUBTRACT, OP_SUBTRACT, WrapSubtract(l, r), l - r, true)
@@ -561,34 +460,55 @@ std::int32_t Execute(std::int32_t bottom) {
     COMPARE(EQUAL, OP_EQUAL, ==)
     COMPARE(NOT_EQUAL, OP_NOT_EQUAL, !=)
     COUNT_LOOP(LESS, OP_LESS, <)
+    COUNT_LOOP(GREATER, OP_GREATER, >)
     COUNT_LOOP(LESS_EQUAL, OP_LESS_EQUAL, <=)
+    COUNT_LOOP(GREATER_EQUAL, OP_GREATER_EQUAL, >=)
     CASE(BINARY) {
-        SAVE;
-        OperateSlow(i->value, *i, Frames[FrameDepth]);
-        NEXT;
+        SLOW(OperateSlots(i->value, *i, *frame));
     }
-    CASE(UNARY) {
-        SAVE;
-        Operate(i->value, base + i->a, OperandOf(base, i->b, *Frames[FrameDepth].function), {nullptr, false});
-        NEXT;
+    CASE(JOIN) {
+        SLOW(Join(*i, *frame));
+    }
+    CASE(NOT) {
+        DataCell& d = base[i->a];
+        const DataCell& operand = base[i->b];
+        const std::uint32_t tag = TagOf(operand);
+        if (IsFlag(tag) && !HoldsObject(d)) [[likely]] {
+            Put(d, tag, operand.integer == 0 ? 1 : 0);
+            NEXT;
+        }
+        SLOW(OperateUnary(OP_NOT, *i, *frame));
+    }
+    CASE(NEGATE) {
+        DataCell& d = base[i->a];
+        const DataCell& operand = base[i->b];
+        if (!HoldsObject(d)) [[likely]] {
+            if (TagOf(operand) == TYPE_INT) {
+                PutInt(d, WrapSubtract(0, operand.integer));
+                NEXT;
+            }
+            if (TagOf(operand) == TYPE_REAL) {
+                PutReal(d, -operand.real);
+                NEXT;
+            }
+        }
+        SLOW(OperateUnary(OP_NEGATE, *i, *frame));
     }
     CASE(INCREMENT) {
-        if (base[i->a].type == TYPE_INT) [[likely]] {
-            base[i->a].integer = WrapAdd(base[i->a].integer, 1);
+        DataCell& d = base[i->a];
+        if (TagOf(d) == TYPE_INT) [[likely]] {
+            d.integer = WrapAdd(d.integer, 1);
             NEXT;
         }
-        SAVE;
-        Operate(OP_INCREMENT, base + i->a, {base + i->a, false}, {nullptr, false});
-        NEXT;
+        SLOW(OperateStep(OP_INCREMENT, *i, *frame));
     }
     CASE(DECREMENT) {
-        if (base[i->a].type == TYPE_INT) [[likely]] {
-            base[i->a].integer = WrapSubtract(base[i->a].integer, 1);
+        DataCell& d = base[i->a];
+        if (TagOf(d) == TYPE_INT) [[likely]] {
+            d.integer = WrapSubtract(d.integer, 1);
             NEXT;
         }
-        SAVE;
-        Operate(OP_DECREMENT, base + i->a, {base + i->a, false}, {nullptr, false});
-        NEXT;
+        SLOW(OperateStep(OP_DECREMENT, *i, *frame));
     }
     CASE(JUMP) {
         at += i->jump;
@@ -596,163 +516,150 @@ std::int32_t Execute(std::int32_t bottom) {
     }
     CASE(LOOP) {
         at += i->jump;
-        TICK;
-        NEXT;
+        TICK NEXT;
     }
     CASE(JF) {
-        SAVE;
-        if (!Condition(base[i->b])) {
-            at += i->jump;
+        const DataCell& condition = base[i->b];
+        if (IsFlag(TagOf(condition))) [[likely]] {
+            JUMP_UNLESS(condition.integer != 0);
         }
-        NEXT;
+        SAVE;
+        JUMP_UNLESS(TruthOfSlot(*i, *frame));
     }
     CASE(JT) {
-        SAVE;
-        if (Condition(base[i->b])) {
-            at += i->jump;
-            TICK;
+        const DataCell& condition = base[i->b];
+        if (IsFlag(TagOf(condition))) [[likely]] {
+            JUMP_BACK_IF(condition.integer != 0);
         }
-        NEXT;
+        SAVE;
+        JUMP_BACK_IF(TruthOfSlot(*i, *frame));
     }
     CASE(CALL)
     CASE(CALL_DROP) {
         DataCell* argv = base + i->a;
-        SAVE;
-        const Member& member = MemberFor(i->value, i->b, argv);
-        if (member.kind == MemberKind::Script) [[likely]] {
-            const Frame& frame = Frames[FrameDepth];
-            DataCell* place = argv;
-            if (StackBuf + StackPtr >= frame.base + frame.function->cells) {
-                place = MoveArgumentsUp(argv, i->b);
-            }
-            PushFrame(ScriptFunctions[static_cast<std::size_t>(member.body)], i->b, place, argv,
-                      i->op == Opcode::CALL);
-            at = Frames[FrameDepth].at;
-            base = place;
-            TICK;
-            NEXT;
+        const std::int32_t argc = i->b;
+        const bool wantsResult = i->op == Opcode::CALL;
+        const Member* member = ClassList[0].members + i->value;
+        if (argc > 0 && HoldsObject(*argv)) [[unlikely]] {
+            member = &MemberFor(i->value, argc, argv);
         }
-        CallFromFrame(*i, argv, i->op == Opcode::CALL);
+        frame->at = at;
+        const ScriptFunction* const function = member->script;
+        if (function == nullptr) {
+            CurrentFrame = frame;
+            CallFromFrame(*i, *frame, argv, wantsResult);
+            TICK NEXT;
+        }
+        DataCell* place = argv;
+        if (StackPtr != frame->top) [[unlikely]] {
+            CurrentFrame = frame;
+            place = MoveArgumentsUp(argv, argc);
+        }
+        std::int32_t top = static_cast<std::int32_t>(place - StackBuf) + function->cells - 1;
+        top = top > StackPtr ? top : StackPtr;
+        if (top > StackHighWater) [[unlikely]] {
+            CurrentFrame = frame;
+            StackRaiseHighWater(top);
+        }
+        if (frame == Frames + FRAMES_MOST) [[unlikely]] {
+            CurrentFrame = frame;
+            ReportOverflow();
+        }
+        TICK for (std::int32_t local = argc; local < function->locals; ++local) {
+            place[local] = NoCell();
+        }
+        if (argc > function->locals) [[unlikely]] {
+            ReleaseSurplus(place + function->locals, place + argc);
+        }
+        ++frame;
+        frame->base = base = place;
+        frame->function = function;
+        frame->result = wantsResult ? argv : nullptr;
+        frame->callerTop = StackPtr;
+        frame->top = top;
+        StackPtr = top;
+        at = function->code;
         NEXT;
     }
     CASE(DROP) {
-        SAVE;
-        if (base[i->b].type == TYPE_NOASSIGN) {
-            ReportUnassigned();
-        }
-        ReleaseOwned(OperandOf(base, i->b, *Frames[FrameDepth].function));
-        NEXT;
+        SLOW(DropSlot(*i, *frame));
     }
     CASE(RETURN) {
-        DataCell value = base[i->b];
-        if (value.type == TYPE_NOASSIGN) [[unlikely]] {
+        DataCell& value = base[i->b];
+        const std::uint32_t tag = TagOf(value);
+        const std::int32_t payload = value.integer;
+        if (tag == TYPE_NOASSIGN) [[unlikely]] {
             SAVE;
             ReportUnassigned();
         }
-        if (value.type == TYPE_OBJECT) {
-            base[i->b].type = TYPE_NOASSIGN;  // its reference leaves with the value
+        if (tag == TYPE_OBJECT) {
+            SetTag(value, TYPE_NOASSIGN);  // its reference leaves with the value
         }
-        const Frame frame = Frames[FrameDepth];
-        PopFrame();
-        if (frame.wantsResult) [[likely]] {
-            *frame.result = value;
-        } else if (value.type == TYPE_OBJECT) {
-            ObjectRelease(ObjectOf(value));
+        for (DataCell *cell = base, *behind = base + i->value; cell < behind; ++cell) {
+            if (HoldsObject(*cell)) [[unlikely]] {
+                ReleaseCell(cell);
+            }
         }
-        if (FrameDepth == bottom) {
+        if (StackPtr != frame->top) [[unlikely]] {
+            StackRelease(StackBuf + frame->top);  // arrays
+        }
+        StackPtr = frame->callerTop;
+        DataCell* const result = frame->result;
+        const bool last = frame == bottom;
+        --frame;
+        if (result != nullptr) [[likely]] {
+            Put(*result, tag, payload);
+        } else if (tag == TYPE_OBJECT) {
+            DataCell dropped = NoCell();
+            Put(dropped, tag, payload);
+            ReleaseCell(&dropped);
+        }
+        if (last) [[unlikely]] {
+            CurrentFrame = frame;
             return RESULT;
         }
-        at = Frames[FrameDepth].at;
-        base = Frames[FrameDepth].base;
+        at = frame->at;
+        base = frame->base;
         NEXT;
     }
     CASE(RETURN_NONE) {
-        const bool wanted = Frames[FrameDepth].wantsResult;
-        PopFrame();
-        if (FrameDepth == bottom) {
+        for (DataCell *cell = base, *behind = base + i->value; cell < behind; ++cell) {
+            if (HoldsObject(*cell)) [[unlikely]] {
+                ReleaseCell(cell);
+            }
+        }
+        if (StackPtr != frame->top) [[unlikely]] {
+            StackRelease(StackBuf + frame->top);
+        }
+        StackPtr = frame->callerTop;
+        const bool wanted = frame->result != nullptr;
+        const bool last = frame == bottom;
+        --frame;
+        if (last) [[unlikely]] {
+            CurrentFrame = frame;
             return NO_RESULT;
         }
-        if (wanted) {
+        at = frame->at;
+        base = frame->base;
+        if (wanted) [[unlikely]] {
+            SAVE;
             ReportUnassigned();
         }
-        at = Frames[FrameDepth].at;
-        base = Frames[FrameDepth].base;
         NEXT;
     }
     CASE(TRACE) {
-        WriteTrace(static_cast<std::int32_t>(i - Code.data()), i->a);
+        WriteTrace(*i);
         NEXT;
     }
-    CASE(END) { return NO_RESULT; }
+    CASE(END) {
+        CurrentFrame = frame - 1;
+        return NO_RESULT;
+    }
     DISPATCH_END
 #if defined(__GNUC__)
 #pragma GCC diagnostic pop
 #endif
     return NO_RESULT;
-}
-
-}  // namespace
-
-ExecNesting::ExecNesting() {
-    if (nesting >= NESTING_LIMIT) {
-        ReportOverflow();
-    }
-    ++nesting;
-}
-
-ExecNesting::~ExecNesting() { --nesting; }
-
-void SetBreakCheck(BreakCheck check) { breakCheck = check; }
-void SetTrace(bool on) { traceOn = on; }
-bool TraceIsOn() { return traceOn; }
-
-SourcePosition ExecPosition() {
-    if (FrameDepth < 0) {
-        return {nullptr, 0};
-    }
-    return CodePositionOf(static_cast<std::int32_t>(Frames[FrameDepth].at - Code.data()) - 1);
-}
-
-ExecMark ExecTakeMark() { return {StackTop(), FrameDepth, nesting}; }
-
-void ExecRecover(const ExecMark& mark) {
-    FrameDepth = mark.depth;
-    nesting = mark.nesting;
-    StackRelease(std::min(mark.top, StackTop()));
-}
-
-std::int32_t ExecCall(std::int32_t body, std::int32_t argc, DataCell* argv) {
-    const ExecNesting guard;
-    const std::int32_t bottom = FrameDepth;
-    StackPtr = static_cast<std::int32_t>(argv - StackBuf) + argc - 1;
-    PushFrame(ScriptFunctions[static_cast<std::size_t>(body)], argc, argv, argv, true);
-    const std::int32_t status = Execute(bottom);
-    StackPtr = static_cast<std::int32_t>(argv - StackBuf) - (status == RESULT ? 0 : 1);
-    return status;
-}
-
-void ExecInit(std::int32_t stackCells) {
-    StackInit(stackCells);
-    FrameDepth = -1;
-    nesting = 0;
-    StackAlloc(GlobalRoom());
-}
-
-void ExecTopLevel() {
-    CodeEmit({Opcode::END});
-    const std::int32_t start = TopLevel.start;
-    TopLevel.start = CodeHere();
-    topLevelFunction.code = start;
-    topLevelFunction.locals = GlobalRoom();
-    topLevelFunction.cells = GlobalRoom() + TopLevel.temporaries;
-    // Global arrays lie above the temporaries and stay, so the frame does too.
-    if (StackPtr < topLevelFunction.cells - 1) {
-        StackAlloc(topLevelFunction.cells - 1 - StackPtr);
-    }
-    const ExecNesting guard;
-    Frames[++FrameDepth] = {Code.data() + start, StackBuf, &topLevelFunction, nullptr, StackPtr, false};
-    Execute(-1);
-    --FrameDepth;
 }
 
 }  // namespace quelmark

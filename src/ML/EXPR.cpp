@@ -212,7 +212,7 @@ NodeId ParseBinary(std::int32_t least) {
 }  // namespace
 
 NestingGuard::NestingGuard() {
-    if (nesting >= NESTING_MOST) {
+    if (nesting >= SOURCE_NESTING_MOST) {
         nesting = 0;
         CompileError("%s", "スタックオーバーフロー！！"_sjis);
     }

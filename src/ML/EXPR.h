@@ -58,7 +58,7 @@ void Expect(std::int32_t symbol, const char* message);
 bool Accept(std::int32_t symbol);
 
 // Nested constructs of one statement beyond this are refused.
-inline constexpr int NESTING_MOST = 256;
+inline constexpr int SOURCE_NESTING_MOST = 256;
 class NestingGuard {
   public:
     NestingGuard();

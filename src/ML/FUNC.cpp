@@ -26,8 +26,8 @@ struct Constant {
     DataCell cell;
 };
 
-std::int32_t memberRoom = 0;   // entries of every member table
-std::int32_t nameLimit = 0;    // ids in use may not reach this
+std::int32_t memberRoom = 0;  // entries of every member table
+std::int32_t nameLimit = 0;   // ids in use may not reach this
 std::int32_t scriptRoom = 0;
 bool isSealed = false;
 std::vector<std::unique_ptr<Member[]>> memberTables;
@@ -56,8 +56,9 @@ void SetMember(std::int32_t classId, std::int32_t ident, Member member) {
 }
 
 std::vector<Constant>::iterator ConstantPlace(std::string_view name) {
-    return std::lower_bound(constants.begin(), constants.end(), name,
-                            [](const Constant& constant, std::string_view wanted) { return constant.name < wanted; });
+    return std::lower_bound(
+        constants.begin(), constants.end(), name,
+        [](const Constant& constant, std::string_view wanted) { return constant.name < wanted; });
 }
 
 std::int32_t RowClass(const char* className) {
@@ -105,10 +106,10 @@ std::int32_t FunctionNameAdd(std::string_view name, std::uint8_t attribute) {
     return IdentAdd(FunctionNames.get(), name, attribute);
 }
 
-void ScriptMemberSet(std::int32_t ident, std::int32_t body) {
+void ScriptMemberSet(std::int32_t ident, const ScriptFunction* script) {
     Member member;
     member.kind = MemberKind::Script;
-    member.body = body;
+    member.script = script;
     SetMember(0, ident, member);
 }
 
@@ -161,7 +162,8 @@ const char* ClassName(std::int32_t classId) {
     return ClassList[classId].name;
 }
 
-std::int32_t FunctionRegister(std::int32_t classId, const char* name, SysFunc function, const Signature& signature) {
+std::int32_t FunctionRegister(std::int32_t classId, const char* name, SysFunc function,
+                              const Signature& signature) {
     CheckClass(classId);
     std::int32_t ident = FunctionFind(name);
     if (ident < 0) {
@@ -204,9 +206,13 @@ void RegisterConstants(std::span<const ConstantRow> rows) {
     }
 }
 
-std::int32_t FunctionFind(std::string_view name) { return IdentFind(FunctionNames.get(), name); }
+std::int32_t FunctionFind(std::string_view name) {
+    return IdentFind(FunctionNames.get(), name);
+}
 
-const char* FunctionName(std::int32_t ident) { return IdentName(FunctionNames.get(), ident); }
+const char* FunctionName(std::int32_t ident) {
+    return IdentName(FunctionNames.get(), ident);
+}
 
 bool IsScriptFunction(std::int32_t ident) {
     return ident >= OPERATOR_SLOTS && ClassList[0].members[ident].kind == MemberKind::Script;
@@ -224,30 +230,37 @@ bool IsInstance(const DataCell& cell, std::int32_t classId) {
     return false;
 }
 
+namespace {
+
+// Moves the result on top of the stack into argv[0] and discards everything above that.
 void MoveResult(DataCell* argv) {
     DataCell* top = StackBuf + StackPtr;
+    const std::uint16_t type = top->type;
+    const std::int16_t count = top->count;
+    const std::int32_t payload = top->integer;
     if (top == argv) {
         return;
     }
-    const DataCell result = *top;
-    if (top->type == TYPE_OBJECT) {
-        top->type = TYPE_NOASSIGN;
+    top->type = TYPE_NOASSIGN;
+    for (DataCell* cell = top - 1; cell >= argv; --cell) {
+        if (cell->type == TYPE_OBJECT) {
+            cell->type = TYPE_NOASSIGN;
+            ObjectRelease(ObjectOf(*cell));
+        }
     }
-    if (argv->type == TYPE_OBJECT) {
-        argv->type = TYPE_NOASSIGN;
-        ObjectRelease(ObjectOf(*argv));
-    }
-    *argv = result;
-    StackRelease(argv);
+    *argv = {type, count, {payload}};
+    StackPtr = static_cast<std::int32_t>(argv - StackBuf);
 }
 
+}  // namespace
+
 std::int32_t CallBuiltIn(const Member& member, std::int32_t ident, std::int32_t argc, DataCell* argv) {
+    const ExecNesting guard;
     Check(member.function != nullptr, "sysfunc != NULL");
     if (member.signature != nullptr) {
         ArgCheck(*member.signature, argc, argv);
     }
-    const std::int32_t status = member.function(ident, argc, argv);
-    if (status == RESULT) {
+    if (member.function(ident, argc, argv) == RESULT) {
         MoveResult(argv);
         return RESULT;
     }
@@ -261,7 +274,7 @@ std::int32_t CallFunction(std::int32_t ident, std::int32_t argc, DataCell* argv)
         case MemberKind::BuiltIn:
             return CallBuiltIn(member, ident, argc, argv);
         case MemberKind::Script:
-            return ExecCall(member.body, argc, argv);
+            return ExecCall(*member.script, argc, argv);
         default:
             ReportUndefined(ident);
     }
@@ -275,7 +288,7 @@ std::int32_t CallInherited(std::int32_t classId, std::int32_t ident, std::int32_
         case MemberKind::BuiltIn:
             return CallBuiltIn(member, ident, argc, argv);
         case MemberKind::Script:
-            return ExecCall(member.body, argc, argv);
+            return ExecCall(*member.script, argc, argv);
         default:
             ReportUndefined(ident);
     }
@@ -307,7 +320,8 @@ void CheckArguments(const char* name, std::int32_t argc, const DataCell* argv, c
 
 }  // namespace
 
-void ArgCheck(const char* name, std::int32_t argc, const DataCell* argv, std::initializer_list<std::uint16_t> types) {
+void ArgCheck(const char* name, std::int32_t argc, const DataCell* argv,
+              std::initializer_list<std::uint16_t> types) {
     const auto count = static_cast<std::int32_t>(types.size());
     CheckArguments(name, argc, argv, types.begin(), count, count);
 }

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "ML/CODE.h"
 #include "ML/FUNC.h"
 #include "ML/IDENT.h"
 
@@ -14,9 +15,9 @@ enum class MemberKind : std::uint8_t { Undefined = 0, BuiltIn = 1, Script = 2 };
 
 struct Member {
     MemberKind kind = MemberKind::Undefined;
-    bool own = false;                   // set by this class itself, not inherited
-    std::int32_t body = -1;             // Script: index in ScriptFunctions
-    SysFunc function = nullptr;         // BuiltIn
+    bool own = false;                        // set by this class itself, not inherited
+    const ScriptFunction* script = nullptr;  // Script
+    SysFunc function = nullptr;              // BuiltIn
     const Signature* signature = nullptr;
 };
 
@@ -36,7 +37,7 @@ void FunctionTablesSeal();
 // Adds a name to the function table (fatal when full) and returns its id.
 std::int32_t FunctionNameAdd(std::string_view name, std::uint8_t attribute);
 // Makes a global function a script function.
-void ScriptMemberSet(std::int32_t ident, std::int32_t body);
+void ScriptMemberSet(std::int32_t ident, const ScriptFunction* script);
 
 // The member that a call of `ident` reaches, by the class of its first argument.
 inline const Member& MemberFor(std::int32_t ident, std::int32_t argc, const DataCell* argv) {
@@ -47,7 +48,5 @@ inline const Member& MemberFor(std::int32_t ident, std::int32_t argc, const Data
 
 // Runs a built-in whose arguments are on top of the stack and moves its result into argv[0].
 std::int32_t CallBuiltIn(const Member& member, std::int32_t ident, std::int32_t argc, DataCell* argv);
-// After a call that pushed its result: moves it into argv[0] and discards everything above.
-void MoveResult(DataCell* argv);
 
 }  // namespace quelmark

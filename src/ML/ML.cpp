@@ -57,7 +57,7 @@ void InterpreterInit(const InterpreterSizes& wanted) {
 }
 
 void InterpreterExit() {
-    StackFree();
+    ExecExit();
     ScanClose();
     ScanFreeLiterals();
     ParserExit();

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "ML/ASSIGN.h"
+#include "ML/BRANCH.h"
 #include "ML/CODE.h"
 #include "ML/EMIT.h"
 #include "ML/ERROR.h"
@@ -245,17 +247,17 @@ void ParseParameters() {
 
 void ParseFunctionBody(std::int32_t ident) {
     const std::int32_t skip = CodeEmit({Opcode::JUMP});
-    const auto body = static_cast<std::int32_t>(ScriptFunctions.size());
+    const std::int32_t start = CodeHere();
     ScriptFunction& function = ScriptFunctions.emplace_back();
     function.ident = ident;
-    function.code = CodeHere();
+    function.code = Code.data() + start;
     function.parameters = IdentCount(localNames.get());
-    ScriptMemberSet(ident, body);  // before the body, which may call itself
+    ScriptMemberSet(ident, &function);  // before the body, which may call itself
     ParseStatement();
-    CodeEmit({Opcode::RETURN_NONE});
+    CodeEmit({Opcode::RETURN_NONE, 0, 0, 0, 0, UNSETTLED});
     function.locals = IdentCount(localNames.get());
     function.cells = function.locals + EmitTemporariesUsed();
-    CodeSettleSlots(function.code, function.locals);
+    CodeSettleSlots(start, function.locals);
     CodePatch(skip, CodeHere());
 }
 
@@ -349,11 +351,10 @@ void ParseDo(std::int32_t line) {
 
 // The step of a `for`: a statement whose `;` may be missing before the `)`.
 void ParseStep(std::int32_t line) {
-    if (CurrentToken.kind == SYM_LEFT_BRACE || CurrentToken.kind >= TOKEN_KEYWORD) {
-        if (CurrentToken.kind < TOKEN_CONSTANT) {
-            ParseStatement();
-            return;
-        }
+    const bool isKeyword = CurrentToken.kind >= TOKEN_KEYWORD && CurrentToken.kind < TOKEN_CONSTANT;
+    if (isKeyword || CurrentToken.kind == SYM_LEFT_BRACE) {
+        ParseStatement();
+        return;
     }
     if (CurrentToken.kind != SYM_RIGHT_PAREN && !Accept(SYM_SEMICOLON)) {
         ParseSimple(line);
@@ -361,9 +362,38 @@ void ParseStep(std::int32_t line) {
     }
 }
 
-// `++v` alone: the variable it counts, else -1.
-std::int32_t CountedSlot(const std::vector<Instruction>& step) {
-    return step.size() == 1 && step[0].op == Opcode::INCREMENT && (step[0].a & TEMPORARY) == 0 ? step[0].a : -1;
+// The step of a `for`, cut out of the code to stand behind the body. Jumps out of it count from its start.
+struct LoopStep {
+    std::vector<Instruction> code;
+    Loop jumps;
+};
+
+LoopStep ParseLoopStep(std::int32_t line) {
+    const std::int32_t start = CodeHere();
+    LoopStep step;
+    loops.emplace_back();
+    ParseStep(line);
+    step.jumps = std::move(loops.back());
+    loops.pop_back();
+    step.code = CodeCut(start);
+    for (auto* jumps : {&step.jumps.breaks, &step.jumps.continues}) {
+        for (std::int32_t& jump : *jumps) {
+            jump -= start;
+        }
+    }
+    return step;
+}
+
+// Behind the body: `break` in the step ends the loop, `continue` the step.
+void PasteLoopStep(const LoopStep& step) {
+    const std::int32_t start = CodeHere();
+    CodePaste(step.code);
+    for (const std::int32_t jump : step.jumps.continues) {
+        CodePatch(start + jump, CodeHere());
+    }
+    for (const std::int32_t jump : step.jumps.breaks) {
+        loops.back().breaks.push_back(start + jump);
+    }
 }
 
 void ParseFor(std::int32_t line) {
@@ -374,9 +404,7 @@ void ParseFor(std::int32_t line) {
     ParseStatement();
     const NodeId condition = ParseExpression();
     ExpectSemicolon();
-    const std::int32_t stepStart = CodeHere();
-    ParseStep(line);
-    const std::vector<Instruction> step = CodeCut(stepStart);
+    const LoopStep step = ParseLoopStep(line);
     Expect(SYM_RIGHT_PAREN, " ) が必要です。"_sjis);
     CodePosition(line);
     const std::int32_t enter = CodeEmit({Opcode::JUMP});
@@ -385,15 +413,14 @@ void ParseFor(std::int32_t line) {
     ParseStatement();
     const std::int32_t next = CodeHere();
     CodePosition(line);
-    const std::int32_t counted = CountedSlot(step);
-    if (counted >= 0 && EmitCountedLoop(static_cast<std::uint16_t>(counted), condition, body)) {
+    if (EmitCountedLoop(step.code, condition, body)) {
         // The count and its test are one instruction, so the first test stands on its own below.
         const std::int32_t leave = CodeEmit({Opcode::JUMP});
         CodePatch(enter, CodeHere());
         EmitLoopTest(condition, body, line);
         CodePatch(leave, CodeHere());
     } else {
-        CodePaste(step);
+        PasteLoopStep(step);
         CodePatch(enter, CodeHere());
         EmitLoopTest(condition, body, line);
     }
@@ -407,7 +434,7 @@ void ParseJump(std::int32_t line, StatementKind kind) {
         auto& jumps = kind == STATEMENT_BREAK ? loops.back().breaks : loops.back().continues;
         jumps.push_back(CodeEmit({Opcode::JUMP}));
     } else if (localNames) {
-        CodeEmit({Opcode::RETURN_NONE});
+        CodeEmit({Opcode::RETURN_NONE, 0, 0, 0, 0, UNSETTLED});
     }
     ExpectSemicolon();
 }
@@ -418,11 +445,11 @@ void ParseReturn(std::int32_t line) {
     BeginStatement(STATEMENT_RETURN, line);
     if (CurrentToken.kind == SYM_SEMICOLON) {
         if (localNames) {
-            CodeEmit({Opcode::RETURN_NONE});
+            CodeEmit({Opcode::RETURN_NONE, 0, 0, 0, 0, UNSETTLED});
         }
     } else {
         const std::uint16_t value = EmitValue(ParseExpression());
-        CodeEmit({localNames ? Opcode::RETURN : Opcode::DROP, 0, value});
+        CodeEmit({localNames ? Opcode::RETURN : Opcode::DROP, 0, value, 0, 0, UNSETTLED});
     }
     EmitFreeTemporaries();
     ExpectSemicolon();
@@ -499,12 +526,10 @@ void ParseFile() {
     loops.clear();
     localNames.reset();
     EmitReset();
-    const std::int32_t start = CodeHere();
     while (CurrentToken.kind != SYM_END) {
         ParseStatement();
     }
     TopLevel.temporaries = std::max(TopLevel.temporaries, EmitTemporariesUsed());
-    CodeSettleSlots(start, globalRoom);
     IdentPurgePrivate(globalNames.get());
     IdentPurgePrivate(FunctionNames.get());
 }

@@ -241,13 +241,13 @@ void ScanSymbol() {
     for (const SymbolRow& row : SYMBOLS) {
         if (rest.starts_with(row.text)) {
             CurrentToken.kind = row.kind;
-            CurrentToken.text = row.text;
+            CurrentToken.text += row.text;
             at += row.text.size();
             return;
         }
     }
     CurrentToken.kind = SYM_UNKNOWN;
-    CurrentToken.text = static_cast<char>(NextChar());
+    CurrentToken.text += static_cast<char>(NextChar());
 }
 
 }  // namespace
