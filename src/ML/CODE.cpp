@@ -58,10 +58,18 @@ void CodeExit() {
 
 std::int32_t CodeEmit(const Instruction& instruction) {
     if (Code.size() >= roomForCode) {
-        FatalError("%s", "内部コード用バッファがオーバフローしました。！！"_sjis);
+        CodeReportFull();
     }
     Code.push_back(instruction);
     return CodeHere() - 1;
+}
+
+std::size_t CodeRoom() {
+    return roomForCode;
+}
+
+void CodeReportFull() {
+    FatalError("%s", "内部コード用バッファがオーバフローしました。！！"_sjis);
 }
 
 std::int32_t CodeHere() {
@@ -93,11 +101,15 @@ SourcePosition CodePositionOf(std::int32_t index) {
 
 std::vector<Instruction> CodeCut(std::int32_t start) {
     std::vector<Instruction> cut(Code.begin() + start, Code.end());
+    CodeDiscard(start);
+    return cut;
+}
+
+void CodeDiscard(std::int32_t start) {
     Code.resize(static_cast<std::size_t>(start), Instruction{Opcode::END});
     while (!positions.empty() && positions.back().index >= start) {
         positions.pop_back();
     }
-    return cut;
 }
 
 void CodePaste(const std::vector<Instruction>& instructions) {

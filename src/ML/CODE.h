@@ -133,6 +133,9 @@ void CodeExit();
 // Appends and returns the index. "内部コード用バッファがオーバフローしました。！！" (fatal).
 std::int32_t CodeEmit(const Instruction& instruction);
 std::int32_t CodeHere();
+// Instructions that the buffer can hold.
+std::size_t CodeRoom();
+[[noreturn]] void CodeReportFull();
 // Makes the instruction at `index` jump to `target`.
 void CodePatch(std::int32_t index, std::int32_t target);
 // From here on instructions belong to the statement at this line of the file being compiled.
@@ -141,6 +144,8 @@ SourcePosition CodePositionOf(std::int32_t index);
 // Cuts the instructions from `start` on out of the buffer, to be pasted behind others.
 std::vector<Instruction> CodeCut(std::int32_t start);
 void CodePaste(const std::vector<Instruction>& instructions);
+// Forgets the instructions from `start` on: what an error has left half compiled.
+void CodeDiscard(std::int32_t start);
 // Puts the temporaries of the instructions from `start` on behind `locals`, where that has not been done yet.
 void CodeSettleSlots(std::int32_t start, std::int32_t locals);
 const char* OpcodeName(Opcode op);

@@ -139,6 +139,7 @@ void EmitBinary(NodeId node, std::uint16_t slot) {
 
 // The call's arguments in consecutive temporaries; the first of them gets the result.
 std::uint16_t EmitCall(NodeId node, Opcode op) {
+    const NestingGuard guard;  // a chain of methods nests its calls
     const Node call = NodeOf(node);
     const std::uint16_t first = EmitTemporary();
     {

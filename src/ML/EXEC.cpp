@@ -566,7 +566,7 @@ std::int32_t Execute() {
             ReportOverflow();
         }
         TICK for (std::int32_t local = argc; local < function->locals; ++local) {
-            place[local] = NoCell();
+            Put(place[local], TYPE_NOASSIGN, 0);
         }
         if (argc > function->locals) [[unlikely]] {
             ReleaseSurplus(place + function->locals, place + argc);

@@ -2,9 +2,11 @@
 
 #include <string>
 
+#include "ML/CODE.h"
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "ML/MEMBER.h"
+#include "ML/OPERATE.h"
 #include "ML/PARSE.h"
 #include "ML/SCAN.h"
 #include "text/sjis.h"
@@ -16,6 +18,7 @@ std::vector<Node> Nodes;
 namespace {
 
 int nesting = 0;
+constexpr std::size_t NODES_LEAST = 4096;
 
 struct Level {
     std::int32_t symbol;
@@ -52,7 +55,12 @@ const Level* LevelOf(std::int32_t symbol) {
     return nullptr;
 }
 
+// A node is worth an instruction sooner or later, so a statement of more nodes than the code buffer could
+// hold is refused before it fills the memory.
 NodeId AddNode(const Node& node) {
+    if (Nodes.size() >= NODES_LEAST && Nodes.size() / 2 > CodeRoom()) {
+        CodeReportFull();
+    }
     Nodes.push_back(node);
     return static_cast<NodeId>(Nodes.size() - 1);
 }
@@ -134,6 +142,9 @@ NodeId ParsePrimary() {
         Expect(SYM_RIGHT_PAREN, " ) が必要です"_sjis);
         return inner;
     }
+    if (CurrentToken.kind == SYM_END) {
+        CompileError("%s", "式の途中でファイルエンドになりました"_sjis);
+    }
     CompileError("識別子 %s は定義されていません"_sjis, CurrentToken.text.c_str());
 }
 
@@ -200,6 +211,12 @@ NodeId ParseBinary(std::int32_t least) {
         }
         NextToken();
         const NodeId right = ParseBinary(row->level + 1);
+        if (NodeOf(left).kind == NodeKind::Constant && NodeOf(right).kind == NodeKind::Constant) {
+            if (const auto folded = OperateConstants(row->code, NodeOf(left).cell, NodeOf(right).cell)) {
+                NodeOf(left).cell = *folded;
+                continue;
+            }
+        }
         Node node{NodeKind::Binary};
         node.index = row->code;
         node.left = left;
@@ -213,13 +230,14 @@ NodeId ParseBinary(std::int32_t least) {
 
 NestingGuard::NestingGuard() {
     if (nesting >= SOURCE_NESTING_MOST) {
-        nesting = 0;
         CompileError("%s", "スタックオーバーフロー！！"_sjis);
     }
     ++nesting;
 }
 
-NestingGuard::~NestingGuard() { nesting = nesting > 0 ? nesting - 1 : 0; }
+NestingGuard::~NestingGuard() {
+    --nesting;
+}
 
 Variable FindVariable(std::string_view name) {
     Variable variable;

@@ -36,7 +36,9 @@ struct Node {
 
 // The nodes of the statements being compiled, innermost last.
 extern std::vector<Node> Nodes;
-inline Node& NodeOf(NodeId id) { return Nodes[static_cast<std::size_t>(id)]; }
+inline Node& NodeOf(NodeId id) {
+    return Nodes[static_cast<std::size_t>(id)];
+}
 
 // A variable that a name means: a local, else a global; kind is Constant when there is none.
 struct Variable {
@@ -58,7 +60,7 @@ void Expect(std::int32_t symbol, const char* message);
 bool Accept(std::int32_t symbol);
 
 // Nested constructs of one statement beyond this are refused.
-inline constexpr int SOURCE_NESTING_MOST = 256;
+inline constexpr int SOURCE_NESTING_MOST = 1000;
 class NestingGuard {
   public:
     NestingGuard();

@@ -113,6 +113,10 @@ void ScriptMemberSet(std::int32_t ident, const ScriptFunction* script) {
     SetMember(0, ident, member);
 }
 
+void ScriptMemberClear(std::int32_t ident) {
+    SetMember(0, ident, Member{});
+}
+
 void ReportUndefined(std::int32_t ident) {
     if (ident >= OPERATOR_SLOTS) {
         RuntimeError("関数 %s が定義されていません。"_sjis, FunctionName(ident));

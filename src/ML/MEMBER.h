@@ -39,6 +39,9 @@ std::int32_t FunctionNameAdd(std::string_view name, std::uint8_t attribute);
 // Makes a global function a script function.
 void ScriptMemberSet(std::int32_t ident, const ScriptFunction* script);
 
+// Undoes that.
+void ScriptMemberClear(std::int32_t ident);
+
 // The member that a call of `ident` reaches, by the class of its first argument.
 inline const Member& MemberFor(std::int32_t ident, std::int32_t argc, const DataCell* argv) {
     const std::int32_t classId = argc > 0 && argv->type == TYPE_OBJECT ? ObjectOf(*argv)->classId : 0;

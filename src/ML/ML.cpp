@@ -33,11 +33,16 @@ constexpr ConstantRow CONSTANTS[] = {
 
 InterpreterSizes sizes;
 
+// The file stays open for the position of its messages until it is compiled, or an error has ended it.
+struct ScanCloser {
+    ~ScanCloser() { ScanClose(); }
+};
+
 std::int32_t CompileOpened() {
+    const ScanCloser closer;
     FunctionTablesSeal();
     const std::int32_t before = CodeHere();
     ParseFile();
-    ScanClose();
     return (CodeHere() - before) * static_cast<std::int32_t>(sizeof(Instruction));
 }
 
@@ -75,10 +80,18 @@ std::int32_t CompileText(std::string_view name, std::string_view source) {
     return CompileOpened();
 }
 
-void ExecInit() { ExecInit(sizes.stackCells); }
+void ExecInit() {
+    ExecInit(sizes.stackCells);
+}
 
-std::int32_t CodeUsed() { return CodeHere() * static_cast<std::int32_t>(sizeof(Instruction)); }
-std::int32_t GlobalsUsed() { return IdentCount(GlobalNames()); }
-std::int32_t FunctionsUsed() { return IdentCount(FunctionNames.get()); }
+std::int32_t CodeUsed() {
+    return CodeHere() * static_cast<std::int32_t>(sizeof(Instruction));
+}
+std::int32_t GlobalsUsed() {
+    return IdentCount(GlobalNames());
+}
+std::int32_t FunctionsUsed() {
+    return IdentCount(FunctionNames.get());
+}
 
 }  // namespace quelmark

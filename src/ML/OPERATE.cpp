@@ -11,7 +11,9 @@ namespace {
 
 constexpr std::int32_t ARRAY_LIMIT = 65536;
 
-bool IsUnary(std::int32_t code) { return code < OP_ADD; }
+bool IsUnary(std::int32_t code) {
+    return code < OP_ADD;
+}
 
 DataCell OperateBoolean(std::int32_t code, const DataCell& left, const DataCell& right) {
     if (!IsUnary(code) && (right.type & TYPE_FLAG) == 0) {
@@ -100,7 +102,9 @@ DataCell OperateReal(std::int32_t code, const DataCell& left, const DataCell& ri
         RuntimeError("%s", "実数演算の型が不正です。"_sjis);
     }
     const float a = left.real;
-    const float b = IsUnary(code) ? 0.0F : right.type == TYPE_REAL ? right.real : static_cast<float>(right.integer);
+    const float b = IsUnary(code)             ? 0.0F
+                    : right.type == TYPE_REAL ? right.real
+                                              : static_cast<float>(right.integer);
     switch (code) {
         case OP_NEGATE:
             return FloatCell(-a);
@@ -155,6 +159,10 @@ DataCell OperateValue(std::int32_t code, const DataCell& left, const DataCell& r
 
 // Calls the class's operator; the cell returned carries a reference of its own when it is an object.
 DataCell OperateObject(std::int32_t code, const DataCell& left, const DataCell& right) {
+    DataCell known = NoCell();
+    if (StringOperate(code, left, right, known)) {
+        return known;
+    }
     const std::int32_t argc = IsUnary(code) ? 1 : 2;
     StackPush(left);
     DataCell* argv = StackTop();
@@ -235,13 +243,43 @@ std::int32_t Remainder(std::int32_t a, std::int32_t b) {
     return b == -1 ? 0 : a % b;
 }
 
-void ReportUnassigned() { RuntimeError("%s", "代入されていない変数を参照しました。"_sjis); }
+void ReportUnassigned() {
+    RuntimeError("%s", "代入されていない変数を参照しました。"_sjis);
+}
 
 void ReleaseOwned(OperandCell operand) {
     if (operand.owned && operand.cell->type == TYPE_OBJECT) {
         operand.cell->type = TYPE_NOASSIGN;
         ObjectRelease(ObjectOf(*operand.cell));
     }
+}
+
+std::optional<DataCell> OperateConstants(std::int32_t code, const DataCell& left, const DataCell& right) {
+    if ((left.type & TYPE_NUMBER) == 0 || (right.type & TYPE_NUMBER) == 0) {
+        return std::nullopt;
+    }
+    switch (code) {
+        case OP_REMAINDER:
+            if (CellInteger(right) == 0) {
+                return std::nullopt;
+            }
+            [[fallthrough]];
+        case OP_AND:
+        case OP_OR:
+        case OP_XOR:
+        case OP_SHIFT_LEFT:
+        case OP_SHIFT_RIGHT:
+            if (left.type != TYPE_INT) {
+                return std::nullopt;
+            }
+            break;
+        case OP_DOT:
+        case OP_ARROW:
+            return std::nullopt;
+        default:
+            break;
+    }
+    return OperateValue(code, left, right);
 }
 
 void Operate(std::int32_t code, DataCell* destination, OperandCell left, OperandCell right) {

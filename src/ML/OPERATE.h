@@ -1,7 +1,9 @@
-// Operator rules by the type of the left operand, assignment and arrays: what the executor's fast paths leave over.
+// Operator rules by the type of the left operand, assignment and arrays: what the executor's fast paths leave
+// over.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "ML/STACK.h"
 
@@ -15,6 +17,8 @@ struct OperandCell {
 
 // destination = left op right (right null: unary). Any of them may be the same cell.
 void Operate(std::int32_t code, DataCell* destination, OperandCell left, OperandCell right);
+// left op right of two numbers known when compiling; nothing when running it would report an error.
+std::optional<DataCell> OperateConstants(std::int32_t code, const DataCell& left, const DataCell& right);
 // The truth of left op right, of a cell: BOOLEAN or INT, else "条件式が不正です".
 bool OperateCondition(std::int32_t code, OperandCell left, OperandCell right);
 bool Condition(const DataCell& cell);
@@ -47,7 +51,9 @@ constexpr std::int32_t WrapDivide(std::int32_t a, std::int32_t b) {
 constexpr std::int32_t ShiftLeft(std::int32_t a, std::int32_t b) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) << (static_cast<std::uint32_t>(b) & 31));
 }
-constexpr std::int32_t ShiftRight(std::int32_t a, std::int32_t b) { return a >> (static_cast<std::uint32_t>(b) & 31); }
+constexpr std::int32_t ShiftRight(std::int32_t a, std::int32_t b) {
+    return a >> (static_cast<std::uint32_t>(b) & 31);
+}
 // "０で割りました。" for a zero divisor.
 std::int32_t Remainder(std::int32_t a, std::int32_t b);
 

@@ -74,13 +74,20 @@ std::vector<Loop> loops;
 
 void ParseStatement();
 
+void PurgePrivateNames() {
+    IdentPurgePrivate(globalNames.get());
+    IdentPurgePrivate(FunctionNames.get());
+}
+
 void PatchAll(const std::vector<std::int32_t>& jumps, std::int32_t target) {
     for (const std::int32_t jump : jumps) {
         CodePatch(jump, target);
     }
 }
 
-void ExpectSemicolon() { Expect(SYM_SEMICOLON, " ; が必要です。"_sjis); }
+void ExpectSemicolon() {
+    Expect(SYM_SEMICOLON, " ; が必要です。"_sjis);
+}
 
 // The nodes made while this lives are gone afterwards.
 class NodeScope {
@@ -113,7 +120,8 @@ NodeId ParseCondition() {
 
 void RefuseConstant(const Variable& variable, const std::string& name) {
     if ((variable.attribute & IDENT_CONST) != 0) {
-        CompileError(variable.local ? "局所定数 %s に代入しようとしました。"_sjis : "大域定数 %s に代入しようとしました。"_sjis,
+        CompileError(variable.local ? "局所定数 %s に代入しようとしました。"_sjis
+                                    : "大域定数 %s に代入しようとしました。"_sjis,
                      name.c_str());
     }
 }
@@ -123,8 +131,9 @@ void ParseAssignment(const Variable& variable, std::int32_t line) {
     const std::string name = CurrentToken.text;
     NextToken();
     const NodeId target = ParseSubscripts(VariableNode(variable));
-    const auto* row = std::find_if(std::begin(ASSIGNMENTS), std::end(ASSIGNMENTS),
-                                   [](const AssignRow& candidate) { return candidate.symbol == CurrentToken.kind; });
+    const auto* row =
+        std::find_if(std::begin(ASSIGNMENTS), std::end(ASSIGNMENTS),
+                     [](const AssignRow& candidate) { return candidate.symbol == CurrentToken.kind; });
     if (row == std::end(ASSIGNMENTS)) {
         CompileError("%s", "代入演算子が必要です"_sjis);
     }
@@ -142,7 +151,7 @@ void ParseAssignment(const Variable& variable, std::int32_t line) {
 
 // An assignment when the statement begins with a variable, else an expression.
 void ParseSimple(std::int32_t line) {
-    if (CurrentToken.kind == TOKEN_IDENTIFIER) {
+    if (CurrentToken.kind == TOKEN_IDENTIFIER && !ScanFollowedBy('(')) {
         const Variable variable = FindVariable(CurrentToken.text);
         if (variable.found) {
             ParseAssignment(variable, line);
@@ -173,8 +182,8 @@ void ParseDeclarator(std::uint8_t attribute, std::int32_t line) {
     const std::string name = CurrentToken.text;
     NextToken();
     const bool array = CurrentToken.kind == SYM_LEFT_BRACKET;
-    const auto slot =
-        static_cast<std::uint16_t>(AddVariable(name, static_cast<std::uint8_t>(attribute | (array ? IDENT_ARRAY : 0))));
+    const auto slot = static_cast<std::uint16_t>(
+        AddVariable(name, static_cast<std::uint8_t>(attribute | (array ? IDENT_ARRAY : 0))));
     BeginStatement(STATEMENT_DECLARATION, line);
     if (array) {
         EmitArray(slot, ParseSubscripts(VariableNode(FindVariable(name))));
@@ -219,7 +228,8 @@ std::int32_t ParseFunctionName(bool isPrivate) {
     const std::string name = CurrentToken.text;
     std::int32_t ident = FunctionFind(name);
     if (ident < 0) {
-        ident = FunctionNameAdd(name, static_cast<std::uint8_t>(IDENT_FUNC | (isPrivate ? IDENT_PRIVATE : 0)));
+        ident =
+            FunctionNameAdd(name, static_cast<std::uint8_t>(IDENT_FUNC | (isPrivate ? IDENT_PRIVATE : 0)));
     } else if (ClassList[0].members[ident].kind != MemberKind::Undefined) {
         CompileError("関数 %s が二重定義されています。"_sjis, name.c_str());
     }
@@ -285,24 +295,36 @@ void ParseFunction(bool isPrivate, std::int32_t line) {
 
 // ---- control statements ----
 
-void ParseIf(std::int32_t line) {
+// One `if (condition) statement`; answers the jump to what follows when the condition is false.
+std::int32_t ParseIfBranch(std::int32_t line) {
     NextToken();
-    std::int32_t otherwise = 0;
     BeginStatement(STATEMENT_IF, line);
+    std::int32_t otherwise = 0;
     {
         const NodeScope nodes;
         otherwise = EmitJumpUnless(ParseCondition());
     }
     EmitFreeTemporaries();
     ParseStatement();
-    if (!Accept(KEY_ELSE)) {
+    return otherwise;
+}
+
+// A chain of `else if` is read in turn, however long.
+void ParseIf(std::int32_t line) {
+    std::vector<std::int32_t> ends;
+    std::int32_t otherwise = ParseIfBranch(line);
+    while (Accept(KEY_ELSE)) {
+        ends.push_back(CodeEmit({Opcode::JUMP}));
         CodePatch(otherwise, CodeHere());
-        return;
+        if (CurrentToken.kind != KEY_IF) {
+            ParseStatement();
+            PatchAll(ends, CodeHere());
+            return;
+        }
+        otherwise = ParseIfBranch(CurrentToken.line);
     }
-    const std::int32_t done = CodeEmit({Opcode::JUMP});
     CodePatch(otherwise, CodeHere());
-    ParseStatement();
-    CodePatch(done, CodeHere());
+    PatchAll(ends, CodeHere());
 }
 
 void EndLoop(std::int32_t next) {
@@ -522,20 +544,56 @@ void ParserExit() {
     TopLevel = {};
 }
 
+namespace {
+
+// What a file adds to code and functions, taken back when an error ends its compilation.
+class CompileScope {
+  public:
+    CompileScope() : code_(CodeHere()), functions_(ScriptFunctions.size()) {}
+    ~CompileScope() {
+        localNames.reset();
+        loops.clear();
+        Nodes.clear();
+        if (finished_) {
+            return;
+        }
+        for (; ScriptFunctions.size() > functions_; ScriptFunctions.pop_back()) {
+            ScriptMemberClear(ScriptFunctions.back().ident);
+        }
+        CodeDiscard(code_);
+        PurgePrivateNames();
+    }
+    CompileScope(const CompileScope&) = delete;
+    CompileScope& operator=(const CompileScope&) = delete;
+    void Finish() { finished_ = true; }
+
+  private:
+    std::int32_t code_;
+    std::size_t functions_;
+    bool finished_ = false;
+};
+
+}  // namespace
+
 void ParseFile() {
-    loops.clear();
-    localNames.reset();
+    CompileScope scope;
     EmitReset();
     while (CurrentToken.kind != SYM_END) {
         ParseStatement();
     }
     TopLevel.temporaries = std::max(TopLevel.temporaries, EmitTemporariesUsed());
-    IdentPurgePrivate(globalNames.get());
-    IdentPurgePrivate(FunctionNames.get());
+    PurgePrivateNames();
+    scope.Finish();
 }
 
-IdentTable* GlobalNames() { return globalNames.get(); }
-IdentTable* LocalNames() { return localNames.get(); }
-std::int32_t GlobalRoom() { return globalRoom; }
+IdentTable* GlobalNames() {
+    return globalNames.get();
+}
+IdentTable* LocalNames() {
+    return localNames.get();
+}
+std::int32_t GlobalRoom() {
+    return globalRoom;
+}
 
 }  // namespace quelmark

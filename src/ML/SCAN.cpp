@@ -22,16 +22,17 @@ Token CurrentToken;
 namespace {
 
 constexpr std::size_t LITERAL_BYTES = 4096;
+constexpr std::int32_t END_OF_SOURCE = -1;
 
 std::string source;
-std::size_t at = 0;      // of the next character
+std::size_t at = 0;  // of the next character
 std::int32_t line = 0;
 const char* fileName = nullptr;
 std::deque<std::string> fileNames;  // kept: positions of compiled code point here
 std::vector<DataCell> literals;     // String constants of compiled code, each with one reference
 
-constexpr std::array<std::string_view, 12> KEYWORDS = {"break", "const", "continue", "do",  "else",   "for",
-                                                       "function", "if", "private", "return", "var", "while"};
+constexpr std::array<std::string_view, 12> KEYWORDS = {
+    "break", "const", "continue", "do", "else", "for", "function", "if", "private", "return", "var", "while"};
 
 struct SymbolRow {
     std::string_view text;
@@ -39,24 +40,53 @@ struct SymbolRow {
 };
 // Longer symbols first.
 constexpr SymbolRow SYMBOLS[] = {
-    {"->", SYM_ARROW},         {"!=", SYM_NOT_EQUAL},    {"==", SYM_EQUAL},
-    {"<=", SYM_LESS_EQUAL},    {">=", SYM_GREATER_EQUAL}, {"<<", SYM_SHIFT_LEFT},
-    {">>", SYM_SHIFT_RIGHT},   {"+=", SYM_ADD_ASSIGN},   {"-=", SYM_SUBTRACT_ASSIGN},
-    {"*=", SYM_MULTIPLY_ASSIGN}, {"/=", SYM_DIVIDE_ASSIGN}, {"&=", SYM_AND_ASSIGN},
-    {"|=", SYM_OR_ASSIGN},     {"^=", SYM_XOR_ASSIGN},   {"++", SYM_INCREMENT},
-    {"--", SYM_DECREMENT},     {"(", SYM_LEFT_PAREN},    {")", SYM_RIGHT_PAREN},
-    {"{", SYM_LEFT_BRACE},     {"}", SYM_RIGHT_BRACE},   {"[", SYM_LEFT_BRACKET},
-    {"]", SYM_RIGHT_BRACKET},  {"+", SYM_PLUS},          {"-", SYM_MINUS},
-    {"*", SYM_STAR},           {"/", SYM_SLASH},         {"%", SYM_PERCENT},
-    {".", SYM_DOT},            {"&", SYM_AND},           {"|", SYM_OR},
-    {"^", SYM_XOR},            {"!", SYM_NOT},           {"<", SYM_LESS},
-    {">", SYM_GREATER},        {"=", SYM_ASSIGN},        {",", SYM_COMMA},
-    {";", SYM_SEMICOLON},      {":", SYM_COLON},         {"#", SYM_HASH},
+    {"->", SYM_ARROW},
+    {"!=", SYM_NOT_EQUAL},
+    {"==", SYM_EQUAL},
+    {"<=", SYM_LESS_EQUAL},
+    {">=", SYM_GREATER_EQUAL},
+    {"<<", SYM_SHIFT_LEFT},
+    {">>", SYM_SHIFT_RIGHT},
+    {"+=", SYM_ADD_ASSIGN},
+    {"-=", SYM_SUBTRACT_ASSIGN},
+    {"*=", SYM_MULTIPLY_ASSIGN},
+    {"/=", SYM_DIVIDE_ASSIGN},
+    {"&=", SYM_AND_ASSIGN},
+    {"|=", SYM_OR_ASSIGN},
+    {"^=", SYM_XOR_ASSIGN},
+    {"++", SYM_INCREMENT},
+    {"--", SYM_DECREMENT},
+    {"(", SYM_LEFT_PAREN},
+    {")", SYM_RIGHT_PAREN},
+    {"{", SYM_LEFT_BRACE},
+    {"}", SYM_RIGHT_BRACE},
+    {"[", SYM_LEFT_BRACKET},
+    {"]", SYM_RIGHT_BRACKET},
+    {"+", SYM_PLUS},
+    {"-", SYM_MINUS},
+    {"*", SYM_STAR},
+    {"/", SYM_SLASH},
+    {"%", SYM_PERCENT},
+    {".", SYM_DOT},
+    {"&", SYM_AND},
+    {"|", SYM_OR},
+    {"^", SYM_XOR},
+    {"!", SYM_NOT},
+    {"<", SYM_LESS},
+    {">", SYM_GREATER},
+    {"=", SYM_ASSIGN},
+    {",", SYM_COMMA},
+    {";", SYM_SEMICOLON},
+    {":", SYM_COLON},
+    {"#", SYM_HASH},
 };
 
-bool IsDigit(std::int32_t character) { return character >= '0' && character <= '9'; }
+bool IsDigit(std::int32_t character) {
+    return character >= '0' && character <= '9';
+}
 bool IsNameStart(std::int32_t character) {
-    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') || character == '_';
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+           character == '_';
 }
 int HexValue(std::int32_t character) {
     if (IsDigit(character)) {
@@ -103,6 +133,14 @@ void SetConstant(const DataCell& cell) {
     CurrentToken.value = cell;
 }
 
+// An exponent stands there: the letter, a sign or not, a digit.
+bool ExponentAt(std::size_t position) {
+    const std::int32_t letter = CharAt(position);
+    const std::int32_t next = CharAt(position + 1);
+    const bool isSigned = next == '+' || next == '-';
+    return (letter == 'e' || letter == 'E') && IsDigit(isSigned ? CharAt(position + 2) : next);
+}
+
 void ScanNumber() {
     if (PeekChar() == '0' && (CharAt(at + 1) == 'x' || CharAt(at + 1) == 'X')) {
         NextChar();
@@ -120,22 +158,18 @@ void ScanNumber() {
         value = value * 10 + static_cast<std::uint32_t>(NextChar() - '0');
     }
     bool real = false;
-    if (PeekChar() == '.' && !IsNameStart(CharAt(at + 1))) {
+    if (PeekChar() == '.' && (!IsNameStart(CharAt(at + 1)) || ExponentAt(at + 1))) {
         real = true;
         NextChar();
         while (IsDigit(PeekChar())) {
             NextChar();
         }
     }
-    const std::int32_t exponent = PeekChar();
-    if (exponent == 'e' || exponent == 'E') {
-        const std::size_t sign = CharAt(at + 1) == '+' || CharAt(at + 1) == '-' ? 1 : 0;
-        if (IsDigit(CharAt(at + 1 + sign))) {
-            real = true;
-            at += 1 + sign;
-            while (IsDigit(PeekChar())) {
-                NextChar();
-            }
+    if (ExponentAt(at)) {
+        real = true;
+        at += 2;  // the letter, and the sign or first digit
+        while (IsDigit(PeekChar())) {
+            NextChar();
         }
     }
     SetConstant(real ? RealCell(ParseReal(std::string_view(source).substr(start, at - start)))
@@ -152,7 +186,7 @@ void ScanCharacter() {
     SetConstant(IntCell(static_cast<std::int32_t>(value)));
 }
 
-// The value of an escape, after its backslash.
+// The value of an escape, after its backslash; a literal keeps its low byte.
 std::int32_t ScanEscape() {
     const std::int32_t character = NextChar();
     std::uint32_t value = 0;
@@ -165,18 +199,18 @@ std::int32_t ScanEscape() {
             while (HexValue(PeekChar()) >= 0) {
                 value = value * 16 + static_cast<std::uint32_t>(HexValue(NextChar()));
             }
-            return static_cast<std::int32_t>(value & 0xFF);
+            return static_cast<std::int32_t>(value);
         default:
             break;
     }
     if (character < '0' || character > '7') {
-        return character < 0 ? 0 : character;
+        return character;
     }
     // The first octal digit announces the escape and does not count.
     while (PeekChar() >= '0' && PeekChar() <= '7') {
         value = value * 8 + static_cast<std::uint32_t>(NextChar() - '0');
     }
-    return static_cast<std::int32_t>(value & 0xFF);
+    return static_cast<std::int32_t>(value);
 }
 
 // A first byte of a double-byte character, as the language has always drawn these bounds.
@@ -205,7 +239,7 @@ void ScanString() {
         if (value == '\\') {
             value = ScanEscape();
         }
-        if (value <= 0) {
+        if (value == 0 || value == END_OF_SOURCE) {
             break;
         }
         append(value);
@@ -239,7 +273,7 @@ void ScanName() {
 void ScanSymbol() {
     const std::string_view rest = std::string_view(source).substr(at, 2);
     for (const SymbolRow& row : SYMBOLS) {
-        if (rest.starts_with(row.text)) {
+        if (rest[0] == row.text[0] && rest.starts_with(row.text)) {
             CurrentToken.kind = row.kind;
             CurrentToken.text += row.text;
             at += row.text.size();
@@ -292,7 +326,9 @@ std::int32_t NextChar() {
     return character;
 }
 
-std::int32_t PeekChar() { return CharAt(at); }
+std::int32_t PeekChar() {
+    return CharAt(at);
+}
 
 std::int32_t NextToken() {
     SkipBlanksAndComments();
@@ -315,7 +351,19 @@ std::int32_t NextToken() {
     return CurrentToken.kind;
 }
 
-ScanPlace ScanRemember() { return {at, line, CurrentToken}; }
+bool ScanFollowedBy(char character) {
+    const std::size_t atBefore = at;
+    const std::int32_t lineBefore = line;
+    SkipBlanksAndComments();
+    const bool follows = PeekChar() == character;
+    at = atBefore;
+    line = lineBefore;
+    return follows;
+}
+
+ScanPlace ScanRemember() {
+    return {at, line, CurrentToken};
+}
 
 void ScanReturn(const ScanPlace& place) {
     at = place.at;
@@ -323,9 +371,13 @@ void ScanReturn(const ScanPlace& place) {
     CurrentToken = place.token;
 }
 
-const char* ScanFileName() { return fileName; }
+const char* ScanFileName() {
+    return fileName;
+}
 
-SourcePosition ScanPosition() { return {fileName, line}; }
+SourcePosition ScanPosition() {
+    return {fileName, line};
+}
 
 void ScanFreeLiterals() {
     for (const DataCell& literal : literals) {

@@ -80,9 +80,9 @@ inline constexpr std::size_t TOKEN_BYTES = 31;
 // The current token.
 struct Token {
     std::int32_t kind = SYM_END;
-    std::string text;                // identifier, keyword or symbol as written
-    DataCell value = {};             // constant; a String is owned by the scanner's literals
-    std::int32_t line = 0;           // where it begins
+    std::string text;       // identifier, keyword or symbol as written
+    DataCell value = {};    // constant; a String is owned by the scanner's literals
+    std::int32_t line = 0;  // where it begins
 };
 extern Token CurrentToken;
 
@@ -97,6 +97,8 @@ std::int32_t NextToken();
 std::int32_t NextChar();
 std::int32_t PeekChar();
 
+// True when the next character that is no blank or comment is this one.
+bool ScanFollowedBy(char character);
 // A place to come back to, for the one spot of the grammar that looks two tokens ahead.
 struct ScanPlace {
     std::size_t at;

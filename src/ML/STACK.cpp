@@ -2,9 +2,9 @@
 
 #include <locale.h>
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <charconv>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -25,14 +25,14 @@ std::int32_t StackHighWater = 0;
 
 namespace {
 
-constexpr std::size_t SIZE_STEP = 16;      // capacities of small blocks are multiples of this
-constexpr std::size_t SMALL_LIMIT = 256;   // larger blocks go back to the heap at once
+constexpr std::size_t SIZE_STEP = 16;     // capacities of small blocks are multiples of this
+constexpr std::size_t SMALL_LIMIT = 256;  // larger blocks go back to the heap at once
 constexpr std::int16_t REFERENCES_MOST = 32767;
 constexpr int DESTRUCTORS = 256;
 
 bool overflowed = false;
 
-std::vector<ObjectBlock*> handles(1, nullptr);                          // handle 0 is never used
+std::vector<ObjectBlock*> handles(1, nullptr);  // handle 0 is never used
 std::vector<std::uint32_t> freeHandles;
 std::vector<ObjectBlock*> freeBlocks[SMALL_LIMIT / SIZE_STEP + 1];  // by capacity
 void (*destructors[DESTRUCTORS])(ObjectBlock*) = {};
@@ -96,6 +96,11 @@ DataCell* Advance(std::int32_t cells) {
         StackPtr = top;
     }
     return StackBuf + StackPtr;
+}
+
+int EndText(char* buffer, char* end) {
+    *end = '\0';
+    return static_cast<int>(end - buffer);
 }
 
 const char* TypeName(std::int32_t code) {
@@ -202,8 +207,9 @@ void SetObjectDestructor(int classId, void (*destroy)(ObjectBlock* block)) {
 
 void StackInit(std::int32_t size) {
     StackFree();
-    StackBuf = size > 0 ? static_cast<DataCell*>(std::calloc(static_cast<std::size_t>(size), sizeof(DataCell)))
-                        : nullptr;
+    StackBuf = size > 0
+                   ? static_cast<DataCell*>(std::calloc(static_cast<std::size_t>(size), sizeof(DataCell)))
+                   : nullptr;
     if (StackBuf == nullptr) {
         RuntimeError("%s", "スタック用バッファが確保できません。！！"_sjis);
     }
@@ -246,9 +252,15 @@ void StackPushObject(ObjectBlock* block) {
     *Advance(1) = ObjectCell(block);
 }
 
-void StackPushBool(std::int32_t value) { *Advance(1) = BoolCell(value); }
-void StackPushInt(std::int32_t value) { *Advance(1) = IntCell(value); }
-void StackPushReal(double value) { *Advance(1) = RealCell(value); }
+void StackPushBool(std::int32_t value) {
+    *Advance(1) = BoolCell(value);
+}
+void StackPushInt(std::int32_t value) {
+    *Advance(1) = IntCell(value);
+}
+void StackPushReal(double value) {
+    *Advance(1) = RealCell(value);
+}
 
 DataCell* StackAlloc(std::int32_t n) {
     Check(n >= 0, "n >= 0");
@@ -286,7 +298,9 @@ void StackRaiseHighWater(std::int32_t top) {
     StackHighWater = top;
 }
 
-std::int32_t StackMaxUsed() { return overflowed ? MaxStack : StackHighWater; }
+std::int32_t StackMaxUsed() {
+    return overflowed ? MaxStack : StackHighWater;
+}
 
 DataCell* ArrayElements(const DataCell& array) {
     const std::uint64_t end = static_cast<std::uint64_t>(array.element) + ArrayCount(array);
@@ -315,9 +329,11 @@ int CellToText(char* buffer, const DataCell& cell) {
             return std::snprintf(buffer, ROOM, "%s", cell.integer != 0 ? "TRUE" : "FALSE");
         case TYPE_INT:
         case TYPE_FUNC:
-            return std::snprintf(buffer, ROOM, "%d", cell.integer);
+            return EndText(buffer, std::to_chars(buffer, buffer + ROOM - 1, cell.integer).ptr);
         case TYPE_REAL:
-            return FormatReal(buffer, ROOM, "%f", static_cast<double>(cell.real));
+            return EndText(buffer, std::to_chars(buffer, buffer + ROOM - 1, static_cast<double>(cell.real),
+                                                 std::chars_format::fixed, 6)
+                                       .ptr);
         case TYPE_TYPE:
             return std::snprintf(buffer, ROOM, "%s", TypeName(cell.integer));
         case TYPE_ARRAY:

@@ -146,12 +146,11 @@ std::int32_t Length(std::int32_t, std::int32_t argc, DataCell* argv) {
 
 std::int32_t Compare(std::int32_t code, std::int32_t argc, DataCell* argv) {
     CheckObject(argc, argv);
-    if (argc < 2 || !IsString(argv[1])) {
+    DataCell result = NoCell();
+    if (argc < 2 || !StringOperate(code, argv[0], argv[1], result)) {
         RuntimeError("%s", "比較演算の型が違います。(String)"_sjis);
     }
-    const int order = StringText(argv[0]).compare(StringText(argv[1]));
-    const bool results[] = {order < 0, order > 0, order <= 0, order >= 0};
-    StackPushBool(code == OP_EQUAL ? order == 0 : code == OP_NOT_EQUAL ? order != 0 : results[code - OP_LESS]);
+    StackPush(result);
     return RESULT;
 }
 
@@ -171,10 +170,10 @@ constexpr BuiltIn FUNCTIONS[] = {
 };
 
 constexpr BuiltInOperator OPERATORS[] = {
-    {"String", OP_ADD, Concatenate},     {"String", OP_NOT, Length},
-    {"String", OP_LESS, Compare},        {"String", OP_GREATER, Compare},
-    {"String", OP_LESS_EQUAL, Compare},  {"String", OP_GREATER_EQUAL, Compare},
-    {"String", OP_EQUAL, Compare},       {"String", OP_NOT_EQUAL, Compare},
+    {"String", OP_ADD, Concatenate},    {"String", OP_NOT, Length},
+    {"String", OP_LESS, Compare},       {"String", OP_GREATER, Compare},
+    {"String", OP_LESS_EQUAL, Compare}, {"String", OP_GREATER_EQUAL, Compare},
+    {"String", OP_EQUAL, Compare},      {"String", OP_NOT_EQUAL, Compare},
 };
 
 }  // namespace
@@ -207,10 +206,13 @@ void StringSet(DataCell& cell, std::string_view text) {
     }
 }
 
-void StackPushString(std::string_view text) { StackPushObject(StringNew(text)); }
+void StackPushString(std::string_view text) {
+    StackPushObject(StringNew(text));
+}
 
 bool StringAppend(DataCell& text, const DataCell& value) {
-    if (!IsString(text) || ObjectOf(text)->references != 1 || (value.type == TYPE_OBJECT && !IsString(value))) {
+    if (!IsString(text) || ObjectOf(text)->references != 1 ||
+        (value.type == TYPE_OBJECT && !IsString(value))) {
         return false;
     }
     char buffer[4096];
@@ -226,6 +228,42 @@ bool StringAppend(DataCell& text, const DataCell& value) {
     return true;
 }
 
+bool StringOperate(std::int32_t code, const DataCell& left, const DataCell& right, DataCell& result) {
+    if (!IsString(left)) {
+        return false;
+    }
+    if (code == OP_NOT) {
+        result = IntCell(static_cast<std::int32_t>(StringText(left).size()));
+        return true;
+    }
+    if (!IsString(right)) {
+        return false;
+    }
+    const int order = StringText(left).compare(StringText(right));
+    switch (code) {
+        case OP_LESS:
+            result = BoolCell(order < 0);
+            return true;
+        case OP_GREATER:
+            result = BoolCell(order > 0);
+            return true;
+        case OP_LESS_EQUAL:
+            result = BoolCell(order <= 0);
+            return true;
+        case OP_GREATER_EQUAL:
+            result = BoolCell(order >= 0);
+            return true;
+        case OP_EQUAL:
+            result = BoolCell(order == 0);
+            return true;
+        case OP_NOT_EQUAL:
+            result = BoolCell(order != 0);
+            return true;
+        default:
+            return false;
+    }
+}
+
 bool IsString(const DataCell& cell) {
     return cell.type == TYPE_OBJECT &&
            (ObjectOf(cell)->classId == StringClass || IsInstance(cell, StringClass));
@@ -236,6 +274,8 @@ std::string_view StringText(const DataCell& cell) {
     return {reinterpret_cast<const char*>(block->Data()), block->size - 1};
 }
 
-const char* StringChars(const DataCell& cell) { return StringText(cell).data(); }
+const char* StringChars(const DataCell& cell) {
+    return StringText(cell).data();
+}
 
 }  // namespace quelmark

@@ -20,9 +20,13 @@ ObjectBlock* StringNew(std::string_view text);
 void StringSet(DataCell& cell, std::string_view text);
 // Pushes a new String.
 void StackPushString(std::string_view text);
-// text = text + value, in place: when `text` holds the only reference to a String and the value is a String or no
-// object. Otherwise false, and nothing has changed.
+// text = text + value, in place: when `text` holds the only reference to a String and the value is a String
+// or no object. Otherwise false, and nothing has changed.
 bool StringAppend(DataCell& text, const DataCell& value);
+
+// The operators of two Strings that need no new one: comparisons, and the length (`!`, right unused). False
+// when it is none of these.
+bool StringOperate(std::int32_t code, const DataCell& left, const DataCell& right, DataCell& result);
 
 bool IsString(const DataCell& cell);
 // The text of a String cell, without the NUL; valid while the object lives.

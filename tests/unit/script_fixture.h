@@ -66,8 +66,14 @@ class ScriptTest : public testing::Test {
             if (MaxStack == 0) {
                 ExecInit();
             }
+        } catch (const ScriptAbort&) {
+            return "! " + message;
+        }
+        const ExecMark mark = ExecTakeMark();
+        try {
             ExecTopLevel();
         } catch (const ScriptAbort&) {
+            ExecRecover(mark);
             return Cp932ToUtf8(printed) + "! " + message;
         }
         return Cp932ToUtf8(printed);
