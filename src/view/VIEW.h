@@ -1,69 +1,119 @@
-// The four views: layout, settings and redraw into one 8-bit frame buffer of palette indices.
+// The four views: layout, settings and redraw into one 8-bit frame buffer of palette indices. Three orthographic views
+// share a centre and an integer zoom; the perspective view has a matrix and an angle.
 #pragma once
 
+#include <array>
 #include <cstdint>
-#include <span>
-#include <vector>
+#include <optional>
+
+#include "MATLIB/SETMAT.h"
+#include "MODEL/POLY.h"
+#include "view/RASTER.h"
 
 namespace quelmark {
 
 enum View : std::int32_t { WIN_XY = 1, WIN_YZ = 2, WIN_ZX = 4, WIN_PERS = 8, WIN_ALL = 15 };
-enum LineMode : std::int32_t { LINE_OR = 17, LINE_XOR = 18 };
+inline constexpr std::int32_t WIN_ORTHOGRAPHIC = 7;
 
-// Half-open: right and bottom lie outside.
-struct PixelRect {
-    std::int32_t left, top, right, bottom;
+// Palette indices of the drawing.
+enum Colour : std::uint8_t {
+    COLOUR_GRID = 9,
+    COLOUR_INVISIBLE = 11,
+    COLOUR_VECTOR = 12,
+    COLOUR_BACKGROUND = 13,
+    COLOUR_SELECTED = 14,
+    COLOUR_LINE = 15,
 };
 
-// The drawing pane's pixels, row by row, one palette index each; `stride` bytes a row.
-struct FrameBuffer {
-    std::int32_t width = 0, height = 0, stride = 0;
-    std::vector<std::uint8_t> pixels;
-
-    std::uint8_t* Row(std::int32_t y) { return pixels.data() + static_cast<std::ptrdiff_t>(y) * stride; }
-    const std::uint8_t* Row(std::int32_t y) const {
-        return pixels.data() + static_cast<std::ptrdiff_t>(y) * stride;
-    }
-};
 extern FrameBuffer ViewFrame;
 
 struct ViewRecord {
     std::int32_t left, top, width, height, centreX, centreY;
+
+    PixelRect Rect() const { return {left, top, left + width, top + height}; }
 };
 inline constexpr std::int32_t VIEW_COUNT = 4;
 extern ViewRecord Views[VIEW_COUNT];  // XY, YZ, ZX, PERS
 extern std::int32_t VisibleViews;     // mask of View bits
 
+struct ModelPoint {
+    std::int32_t x, y, z;
+
+    friend bool operator==(const ModelPoint&, const ModelPoint&) = default;
+};
+
+// What the script functions set. The two zoom numbers are at least 1 and one of them is 1.
+struct ViewSettings {
+    ModelPoint centre{0, 0, 0};
+    std::int32_t numerator = 1, denominator = 1;
+    std::int32_t moveStep = 10;
+    std::int32_t gridSpacing = 0, gridSnap = 0;
+    bool converting = false;
+    FixedMatrix conversion{};
+    Matrix perspective = UNIT_MATRIX;
+    Matrix perspectiveInverse = UNIT_MATRIX;
+    std::int32_t angle = 45;
+    std::int32_t focalDistance = 1;
+    std::int32_t visibleVector = 0, visiblePolyVector = 0, visibleVertex = 0;
+    bool drawInvisible = false, frontOnly = false;
+};
+extern ViewSettings ViewState;
+
 // Called when pixels of a rectangle of the pane have changed; the host installs it.
 using DamageHook = void (*)(const PixelRect& rect);
 void ViewSetDamageHook(DamageHook hook);
+void ViewDamage(const PixelRect& rect);
 
-// Start values, an empty frame. `statusLineHeight` is the height of the window's status line.
+// Start values, an empty frame, drawing off.
 void ViewInit();
 void ViewExit();
-// The client size of the drawing pane and the text line height; lays the views out with the mask unchanged and
-// resizes the frame buffer. Sizes below 1 and above 16384 are clamped.
+// The drawing pane's client size and the window's text line height: lays the views out with the mask unchanged and gives the
+// frame that size. Sizes are limited to 1 … 16384.
 void ViewLayout(std::int32_t width, std::int32_t height, std::int32_t lineHeight);
+// Stores the mask, lays out again and redraws everything.
 void ViewSetMask(std::int32_t mask);
-// The bit of the view under a point of the pane, or 0.
+// The bit of the visible view under a point of the pane, or 0.
 std::int32_t ViewAt(std::int32_t x, std::int32_t y);
-// Off at start and at shut-down: redraws do nothing.
+// The index in Views of one view bit, or -1.
+std::int32_t ViewIndex(std::int32_t bit);
+
+void ViewSetZoom(std::int32_t zoom, std::int32_t step);
+// Accepts 0 < angle < 180; the angle before the call.
+std::int32_t ViewSetAngle(std::int32_t angle);
+void ViewSetPerspective(const Matrix& matrix);
+void ViewSetConversion(const Matrix& matrix);
+
+// The point in display coordinates: after the conversion, if one is set.
+ModelPoint ViewConverted(const VertexRecord& vertex);
+// A display coordinate on axis 0 to 2, as pixels from a view's centre.
+std::int64_t ViewScaled(std::int32_t coordinate, int axis);
+// Pane position of a point in an orthographic view.
+PanePoint ViewProject(const ModelPoint& point, std::int32_t view);
+// Eye space: x away from the eye, y to the left, z up.
+struct EyePoint {
+    double x, y, z;
+};
+EyePoint ViewToEye(const ModelPoint& point);
+// Pane position of an eye-space point with x >= 1.
+PanePoint ViewProjectEye(const EyePoint& point);
+// The model point under a pane point in its view: in an orthographic view the third coordinate is `depth`'s, in the
+// perspective view it lies parallel to the screen at the depth of `depth`. Nothing outside the visible views.
+std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth);
+
+// Off at start and at shut-down: then redraws do nothing.
 void ViewEnableDrawing(bool on);
-// Redraws the views that meet the rectangle; `clear` fills background and grid first.
+bool ViewDrawingEnabled();
+// Redraws the visible views that meet the rectangle; `clear` fills background and grid first.
 void ViewRedraw(const PixelRect& area, bool clear);
 inline constexpr PixelRect WHOLE_AREA{0, 0, 4096, 4096};
-// Fills the views with the background (true), or erases the overlay only (false); the overlay is dropped.
+// Only the views of the mask that are visible.
+void ViewRedrawMask(std::int32_t mask, bool clear);
+// Fills the views with the background (true), or erases the overlay only (false); the overlay is dropped in both cases.
 void ViewClear(bool fill);
+// The outline of CurrentPolygon, by exclusive-or when asked. False when there is nothing to draw.
+bool ViewDrawCurrent(bool exclusiveOr);
 
-// The 3-D cursor.
-struct ModelPoint {
-    std::int32_t x, y, z;
-};
-ModelPoint ViewCursorPosition();
-void ViewSetCursor(const ModelPoint& position);
-void ViewShowCursor(bool shown);
-bool ViewCursorShown();
-// The cursor follows a pointer at a pane point.
-void ViewTrackCursor(std::int32_t x, std::int32_t y);
+// A pick: the visible polygon whose outline passes nearest to a pane point, at most `reach` pixels away; null when none does.
+PolygonRecord* ViewPick(std::int32_t x, std::int32_t y, std::int32_t reach);
 
 }  // namespace quelmark

@@ -1,0 +1,46 @@
+// What lies over the model by exclusive-or: lines and boxes of scripts, which a redraw draws again until they are drawn a second
+// time or cleared, and the 3-D cursor.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "view/VIEW.h"
+
+namespace quelmark {
+
+enum LineMode : std::int32_t { LINE_OR = 17, LINE_XOR = 18 };
+
+struct ModelLine {
+    ModelPoint from, to;
+
+    friend bool operator==(const ModelLine&, const ModelLine&) = default;
+};
+
+void OverlayReset();
+// Lines in model space, in every visible view; screen lines of one call that coincide are drawn once. LINE_OR lines are part of the
+// picture, LINE_XOR lines of the overlay.
+void OverlayModelLines(const std::vector<ModelLine>& lines, LineMode mode);
+// Lines between pane points (x and y of the points), inside the views.
+void OverlayPaneLines(const std::vector<ModelLine>& lines);
+// Draws everything there is, by exclusive-or, once: to show it and to take it away again.
+void OverlayToggle();
+
+ModelPoint CursorPosition();
+void CursorMove(const ModelPoint& position);
+// Shows or hides the cursor; whether it was shown before.
+bool CursorShow(bool shown);
+bool CursorShown();
+// The cursor follows a pointer at a pane point, with the snap of the grid. False outside the views.
+bool CursorTrack(std::int32_t x, std::int32_t y);
+
+// Takes overlay and cursor off the frame while a setting changes, and puts them back where they then belong.
+class OverlayPause {
+  public:
+    OverlayPause();
+    ~OverlayPause();
+    OverlayPause(const OverlayPause&) = delete;
+    OverlayPause& operator=(const OverlayPause&) = delete;
+};
+
+}  // namespace quelmark

@@ -1,0 +1,46 @@
+// The frame buffer and exact lines in it. The pixels of a clipped line are those that the whole line has inside the
+// rectangle, and a line has the same pixels in both directions.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace quelmark {
+
+// Half-open: right and bottom lie outside.
+struct PixelRect {
+    std::int32_t left, top, right, bottom;
+};
+constexpr bool IsEmpty(const PixelRect& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
+PixelRect Intersection(const PixelRect& a, const PixelRect& b);
+
+// A point of the pane; far outside it after a large zoom.
+struct PanePoint {
+    std::int64_t x, y;
+};
+
+// Pixels row by row, one palette index each; `stride` bytes a row.
+struct FrameBuffer {
+    std::int32_t width = 0, height = 0, stride = 0;
+    std::vector<std::uint8_t> pixels;
+
+    void Resize(std::int32_t newWidth, std::int32_t newHeight);
+    PixelRect Bounds() const { return {0, 0, width, height}; }
+    std::uint8_t* Row(std::int32_t y) { return pixels.data() + static_cast<std::ptrdiff_t>(y) * stride; }
+    const std::uint8_t* Row(std::int32_t y) const {
+        return pixels.data() + static_cast<std::ptrdiff_t>(y) * stride;
+    }
+};
+
+enum class Ink : std::uint8_t { Set, Or, Xor };
+
+void FillRect(FrameBuffer& frame, const PixelRect& rect, std::uint8_t colour, Ink ink = Ink::Set);
+// A line from a to b, both ends included, inside `clip`, which lies within the frame.
+void DrawLine(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint b, std::uint8_t colour,
+              Ink ink = Ink::Set);
+// The same for a line that lies within the frame altogether.
+void DrawLineInside(FrameBuffer& frame, std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1,
+                    std::uint8_t colour);
+
+}  // namespace quelmark
