@@ -153,11 +153,15 @@ std::int32_t Execute() {
         call;      \
         NEXT;      \
     } while (false)
-#define TICK                         \
-    if (--Ticks <= 0) [[unlikely]] { \
-        SAVE;                        \
-        ExecPoll();                  \
-    }
+// Counts a loop turn or call; `i` still is the instruction that made it.
+#define TICK(COUNT)                                 \
+    do {                                            \
+        if ((Ticks -= (COUNT)) <= 0) [[unlikely]] { \
+            frame->at = i + 1;                      \
+            CurrentFrame = frame;                   \
+            ExecPoll();                             \
+        }                                           \
+    } while (false)
 
 // a = b op c. INTEGER and REAL say what becomes of l and r; HAS_REAL 0 leaves reals to the rules.
 #define ARITHMETIC(NAME, CODE, INTEGER, REAL, HAS_REAL)                                        \
@@ -222,7 +226,7 @@ std::int32_t Execute() {
 #define JUMP_BACK_IF(CONDITION) \
     if (CONDITION) {            \
         at += i->jump;          \
-        TICK                    \
+        TICK(1);                \
     }                           \
     NEXT
 // Jumps on b OP c for a right operand in a slot, an INT or a REAL.
@@ -260,29 +264,30 @@ std::int32_t Execute() {
         SAVE;                                                  \
         JUMP(TruthOfImmediate(CODE, *i, *frame, TYPE_REAL));   \
     }
-#define COMPARE(NAME, CODE, OP)                                                                    \
-    CASE(NAME##_SS) {                                                                              \
-        DataCell& d = base[i->a];                                                                  \
-        const DataCell& left = base[i->b];                                                         \
-        const DataCell& right = base[i->c];                                                        \
-        const std::uint32_t tag = TagOf(left);                                                     \
-        if (tag == TagOf(right) && !HoldsObject(d)) [[likely]] {                                   \
-            if (tag == TYPE_INT) [[likely]] {                                                      \
-                PutBool(d, left.integer OP right.integer);                                         \
-                NEXT;                                                                              \
-            }                                                                                      \
-            if (tag == TYPE_REAL) [[likely]] {                                                     \
-                PutBool(d, left.real OP right.real);                                               \
-                NEXT;                                                                              \
-            }                                                                                      \
-        }                                                                                          \
-        SLOW(OperateSlots(CODE, *i, *frame));                                                      \
-    }                                                                                              \
-    CASE(JF_##NAME##_SS)                                                                           \
-    TRUTH_SS(CODE, OP, JUMP_UNLESS) CASE(JF_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_UNLESS)           \
-        CASE(JF_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_UNLESS) CASE(JT_##NAME##_SS)                  \
-            TRUTH_SS(CODE, OP, JUMP_BACK_IF) CASE(JT_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_BACK_IF) \
-                CASE(JT_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_BACK_IF)
+#define COMPARE(NAME, CODE, OP)                                                               \
+    CASE(NAME##_SS) {                                                                         \
+        DataCell& d = base[i->a];                                                             \
+        const DataCell& left = base[i->b];                                                    \
+        const DataCell& right = base[i->c];                                                   \
+        const std::uint32_t tag = TagOf(left);                                                \
+        if (tag == TagOf(right) && !HoldsObject(d)) [[likely]] {                              \
+            if (tag == TYPE_INT) [[likely]] {                                                 \
+                PutBool(d, left.integer OP right.integer);                                    \
+                NEXT;                                                                         \
+            }                                                                                 \
+            if (tag == TYPE_REAL) [[likely]] {                                                \
+                PutBool(d, left.real OP right.real);                                          \
+                NEXT;                                                                         \
+            }                                                                                 \
+        }                                                                                     \
+        SLOW(OperateSlots(CODE, *i, *frame));                                                 \
+    }                                                                                         \
+    CASE(JF_##NAME##_SS)                                                                      \
+    TRUTH_SS(CODE, OP, JUMP_UNLESS)                                                           \
+    CASE(JF_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_UNLESS) CASE(JF_##NAME##_SR)                 \
+        TRUTH_SR(CODE, OP, JUMP_UNLESS) CASE(JT_##NAME##_SS) TRUTH_SS(CODE, OP, JUMP_BACK_IF) \
+            CASE(JT_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_BACK_IF) CASE(JT_##NAME##_SR)        \
+                TRUTH_SR(CODE, OP, JUMP_BACK_IF)
 
 // One turn of a counted loop: everything is INT, or the slow path takes the step and the test.
 #define TURN(TEST, STEP, LIMIT, CODE, OP, STEP_IN_SLOT, LIMIT_IN_SLOT)            \
@@ -516,7 +521,8 @@ std::int32_t Execute() {
     }
     CASE(LOOP) {
         at += i->jump;
-        TICK NEXT;
+        TICK(1);
+        NEXT;
     }
     CASE(JF) {
         const DataCell& condition = base[i->b];
@@ -548,7 +554,8 @@ std::int32_t Execute() {
         if (function == nullptr) {
             CurrentFrame = frame;
             CallFromFrame(*i, *frame, argv, wantsResult);
-            TICK NEXT;
+            TICK(BUILT_IN_TICKS);
+            NEXT;
         }
         DataCell* place = argv;
         if (StackPtr != frame->top) [[unlikely]] {
@@ -565,7 +572,8 @@ std::int32_t Execute() {
             CurrentFrame = frame;
             ReportOverflow();
         }
-        TICK for (std::int32_t local = argc; local < function->locals; ++local) {
+        TICK(1);
+        for (std::int32_t local = argc; local < function->locals; ++local) {
             Put(place[local], TYPE_NOASSIGN, 0);
         }
         if (argc > function->locals) [[unlikely]] {

@@ -29,8 +29,9 @@ inline constexpr std::int32_t NESTING_MOST = 180;
 extern Frame Frames[FRAMES_MOST + 1];  // Frames[0] stands for the host
 extern Frame* CurrentFrame;            // up to date whenever something outside the loop runs
 
-// Loop turns and calls left until the clock is looked at.
+// Loop turns and calls left until the clock is looked at; a built-in, which may be slow, counts as many.
 extern std::int32_t Ticks;
+inline constexpr std::int32_t BUILT_IN_TICKS = 64;
 // Looks at the clock, and every few milliseconds asks the break check; "強制終了しました".
 void ExecPoll();
 

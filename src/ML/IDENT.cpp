@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
+#include <exception>
 
 #include "ML/ERROR.h"
 #include "text/sjis.h"
@@ -51,7 +51,7 @@ IdentTablePtr IdentCreate(std::int32_t capacity, std::int32_t reserved) {
         table.reset(new IdentTable);
         table->capacity = capacity;
         table->slots.resize(static_cast<std::size_t>(reserved));
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) {
         FatalError("%s", "識別子管理バッファが確保できません"_sjis);
     }
     return table;

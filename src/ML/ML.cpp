@@ -49,6 +49,7 @@ std::int32_t CompileOpened() {
 }  // namespace
 
 void InterpreterInit(const InterpreterSizes& wanted) {
+    InterpreterExit();
     sizes = wanted;
     ObjectCount = 0;
     FunctionTablesInit(sizes.functions);

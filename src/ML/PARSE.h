@@ -7,8 +7,8 @@
 
 namespace quelmark {
 
-// Operator tables are checked, global identifiers made with room for `globals` names (at most 32767: a global is a
-// slot of the top-level frame).
+// Operator tables are checked, global identifiers made with room for `globals` names (at most 32767: a global
+// is a slot of the top-level frame).
 void ParserInit(std::int32_t globals);
 void ParserExit();
 // Compiles the file that the scanner has opened, and drops its private names.

@@ -20,7 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds POLL_INTERVAL{4};
 constexpr std::chrono::milliseconds LOOK_INTERVAL{1};
-constexpr std::int32_t TICKS_MOST = 65536;
+constexpr std::int32_t TICKS_MOST = 4096;
 
 BreakCheck breakCheck = nullptr;
 bool traceOn = false;
@@ -32,7 +32,8 @@ ScriptFunction topLevelFunction;
 // Makes room at the bottom of the stack for globals and top-level temporaries that came with code compiled
 // after a run: arrays that the run left above move up, and with them every reference to their elements.
 void WidenTopLevel(std::int32_t cells) {
-    const std::int32_t before = topLevelFunction.cells;
+    const std::int32_t before =
+        std::min(topLevelFunction.cells, StackPtr + 1);  // a recovery may have cut it back
     const std::int32_t more = cells - before;
     if (more <= 0) {
         return;

@@ -18,10 +18,9 @@ namespace quelmark {
 
 std::int32_t ObjectCount = 0;
 ObjectBlock** ObjectTable = nullptr;
-DataCell* StackBuf = nullptr;
 std::int32_t MaxStack = 0;
 std::int32_t StackPtr = -1;
-std::int32_t StackHighWater = 0;
+std::int32_t StackHighWater = -1;
 
 namespace {
 
@@ -32,9 +31,31 @@ constexpr int DESTRUCTORS = 256;
 
 bool overflowed = false;
 
+// Without a stack StackBuf points behind this cell: there is always a place below it for the mark of the
+// empty stack, and no room above.
+DataCell noStack[1];
+DataCell* allocated = nullptr;  // one cell more than the stack has, below it
+
 std::vector<ObjectBlock*> handles(1, nullptr);  // handle 0 is never used
 std::vector<std::uint32_t> freeHandles;
 std::vector<ObjectBlock*> freeBlocks[SMALL_LIMIT / SIZE_STEP + 1];  // by capacity
+
+// Gives all blocks back when the program ends, however it ends.
+struct BlockOwner {
+    ~BlockOwner() {
+        for (ObjectBlock* block : handles) {
+            std::free(block);
+        }
+        for (const auto& list : freeBlocks) {
+            for (ObjectBlock* block : list) {
+                std::free(block);
+            }
+        }
+        handles.clear();
+    }
+};
+const BlockOwner blockOwner;  // stands behind the tables, so it ends before them
+
 void (*destructors[DESTRUCTORS])(ObjectBlock*) = {};
 
 // Numbers are written with a decimal point even when the window system has set another locale.
@@ -52,9 +73,10 @@ ObjectBlock* TakeBlock(std::size_t capacity) {
         list.pop_back();
         return block;
     }
-    auto* block = static_cast<ObjectBlock*>(std::malloc(sizeof(ObjectBlock) + capacity));
-    if (block == nullptr || capacity > std::numeric_limits<std::int32_t>::max()) {
-        std::free(block);
+    auto* block = capacity <= std::numeric_limits<std::int32_t>::max()
+                      ? static_cast<ObjectBlock*>(std::malloc(sizeof(ObjectBlock) + capacity))
+                      : nullptr;
+    if (block == nullptr) {
         RuntimeError("%s", "オブジェクト領域が確保できません。"_sjis);
     }
     block->capacity = static_cast<std::uint32_t>(capacity);
@@ -126,6 +148,8 @@ const char* TypeName(std::int32_t code) {
 }
 
 }  // namespace
+
+DataCell* StackBuf = noStack + 1;
 
 DataCell RealCell(double value) {
     DataCell cell{TYPE_REAL, 0, {0}};
@@ -207,12 +231,13 @@ void SetObjectDestructor(int classId, void (*destroy)(ObjectBlock* block)) {
 
 void StackInit(std::int32_t size) {
     StackFree();
-    StackBuf = size > 0
-                   ? static_cast<DataCell*>(std::calloc(static_cast<std::size_t>(size), sizeof(DataCell)))
-                   : nullptr;
-    if (StackBuf == nullptr) {
+    allocated =
+        size > 0 ? static_cast<DataCell*>(std::calloc(static_cast<std::size_t>(size) + 1, sizeof(DataCell)))
+                 : nullptr;
+    if (allocated == nullptr) {
         RuntimeError("%s", "スタック用バッファが確保できません。！！"_sjis);
     }
+    StackBuf = allocated + 1;
     MaxStack = size;
     StackPtr = -1;
     StackHighWater = 0;
@@ -220,13 +245,12 @@ void StackInit(std::int32_t size) {
 }
 
 void StackFree() {
-    if (StackBuf != nullptr) {
-        StackRelease(StackBuf - 1);
-        std::free(StackBuf);
-    }
-    StackBuf = nullptr;
+    StackRelease(StackBuf - 1);
+    std::free(allocated);
+    allocated = nullptr;
+    StackBuf = noStack + 1;
     MaxStack = 0;
-    StackPtr = -1;
+    StackHighWater = -1;
 }
 
 DataCell* StackTop() {

@@ -38,11 +38,21 @@ struct DataCell {
 };
 static_assert(sizeof(DataCell) == 8);
 
-constexpr DataCell BoolCell(std::int32_t value) { return {TYPE_BOOLEAN, 0, {value}}; }
-constexpr DataCell IntCell(std::int32_t value) { return {TYPE_INT, 0, {value}}; }
-constexpr DataCell TypeCell(std::int32_t code) { return {TYPE_TYPE, 0, {code}}; }
-constexpr DataCell FuncCell(std::int32_t ident) { return {TYPE_FUNC, 0, {ident}}; }
-constexpr DataCell NoCell() { return {TYPE_NOASSIGN, 0, {0}}; }
+constexpr DataCell BoolCell(std::int32_t value) {
+    return {TYPE_BOOLEAN, 0, {value}};
+}
+constexpr DataCell IntCell(std::int32_t value) {
+    return {TYPE_INT, 0, {value}};
+}
+constexpr DataCell TypeCell(std::int32_t code) {
+    return {TYPE_TYPE, 0, {code}};
+}
+constexpr DataCell FuncCell(std::int32_t ident) {
+    return {TYPE_FUNC, 0, {ident}};
+}
+constexpr DataCell NoCell() {
+    return {TYPE_NOASSIGN, 0, {0}};
+}
 DataCell RealCell(double value);  // narrowed to single precision
 
 // REAL to INT: truncates; out of range or not a number gives -2147483648.
@@ -79,7 +89,9 @@ ObjectBlock* ObjectClone(const DataCell& cell);
 // The blocks by handle; it moves when objects are made.
 extern ObjectBlock** ObjectTable;
 // The block of an OBJECT cell.
-inline ObjectBlock* ObjectOf(const DataCell& cell) { return ObjectTable[cell.object]; }
+inline ObjectBlock* ObjectOf(const DataCell& cell) {
+    return ObjectTable[cell.object];
+}
 // Gives the block room for `size` data bytes, keeping its handle and its data; the block may move.
 ObjectBlock* ObjectGrow(ObjectBlock* block, std::size_t size);
 inline DataCell ObjectCell(const ObjectBlock* block) {
@@ -128,7 +140,9 @@ std::int32_t StackMaxUsed();
 // The cells of an ARRAY cell, its count read as unsigned; reports "配列の添え字が不正です" when the array
 // has outlived its frame.
 DataCell* ArrayElements(const DataCell& array);
-inline std::uint32_t ArrayCount(const DataCell& array) { return static_cast<std::uint16_t>(array.count); }
+inline std::uint32_t ArrayCount(const DataCell& array) {
+    return static_cast<std::uint16_t>(array.count);
+}
 
 // Replaces what a variable or element cell holds, with the references kept right (no array rules).
 void CellAssign(DataCell& destination, const DataCell& source);
@@ -136,8 +150,8 @@ void CellAssign(DataCell& destination, const DataCell& source);
 // snprintf of one real with a decimal point, whatever the locale.
 int FormatReal(char* buffer, std::size_t room, const char* format, double value)
     __attribute__((format(printf, 3, 0)));
-// The leading real number of a text, with a decimal point whatever the locale; 0 when there is none. When `used` is
-// not null it gets the number of bytes read.
+// The leading real number of a text, with a decimal point whatever the locale; 0 when there is none. When
+// `used` is not null it gets the number of bytes read.
 double ParseReal(std::string_view text, std::size_t* used = nullptr);
 // Writes a readable, NUL-terminated form of a cell to `buffer` (4096 bytes) and returns its length.
 int CellToText(char* buffer, const DataCell& cell);

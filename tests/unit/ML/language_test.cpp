@@ -5,8 +5,12 @@ namespace {
 
 class Language : public ScriptTest {};
 
-TEST_F(Language, IntegerDivisionByZeroKeepsTheLeftOperand) { EXPECT_EQ(Run("print(7 / 0);"), "7"); }
-TEST_F(Language, RemainderAndShifts) { EXPECT_EQ(Run("print(7 % 2, -7 >> 1, 1 << 33);"), "1 -4 2"); }
+TEST_F(Language, IntegerDivisionByZeroKeepsTheLeftOperand) {
+    EXPECT_EQ(Run("print(7 / 0);"), "7");
+}
+TEST_F(Language, RemainderAndShifts) {
+    EXPECT_EQ(Run("print(7 % 2, -7 >> 1, 1 << 33);"), "1 -4 2");
+}
 TEST_F(Language, LeftOperandDecidesTheType) {
     EXPECT_EQ(Run("print(1 + 2.5, 2.5 + 1, 2 < 2.5);"), "3 3.500000 FALSE");
 }
@@ -32,13 +36,15 @@ TEST_F(Language, ContinueInForRunsTheStep) {
     EXPECT_EQ(Run("var i; for (i = 0; i < 5; i++) { if (i == 2) continue; print(i); }"), "0134");
 }
 TEST_F(Language, RecursionReturnsValues) {
-    EXPECT_EQ(Run("function fib(n) { if (n < 2) return n; return fib(n - 1) + fib(n - 2); } print(fib(20));"), "6765");
+    EXPECT_EQ(Run("function fib(n) { if (n < 2) return n; return fib(n - 1) + fib(n - 2); } print(fib(20));"),
+              "6765");
 }
 TEST_F(Language, EndlessRecursionWithoutArgumentsOverflows) {
     EXPECT_EQ(Fail("function f() { f(); } f();"), "test.qms:1:  Error スタックオーバーフロー！！");
 }
 TEST_F(Language, StringsJoinAndCompare) {
-    EXPECT_EQ(Run("var s = \"abc\"; s = s + 5; print(s, !s, s < \"abd\", \"x\" + 2.5);"), "abc5 4 TRUE x2.500000");
+    EXPECT_EQ(Run("var s = \"abc\"; s = s + 5; print(s, !s, s < \"abd\", \"x\" + 2.5);"),
+              "abc5 4 TRUE x2.500000");
 }
 TEST_F(Language, ObjectCountComesBackAfterAnError) {
     Run("var s = \"a\"; function f(x) { var t = x + \"b\"; return t + 1 + undefined(t); }");
@@ -51,17 +57,20 @@ TEST_F(Language, LocalArraysLiveAboveTheFrameAndCallsStillWork) {
               "285 5");
 }
 TEST_F(Language, InitialisersMakeArrays) {
-    EXPECT_EQ(Run("var a = { 1, 2, 3 }, b = { { 1, 2 }, { 3, 4 } }; print(a[2], b[1][0], sizeof(b), sizeof(b[0]));"),
+    EXPECT_EQ(Run("var a = { 1, 2, 3 }, b = { { 1, 2 }, { 3, 4 } }; print(a[2], b[1][0], sizeof(b), "
+                  "sizeof(b[0]));"),
               "3 3 2 2");
 }
 TEST_F(Language, MethodsAndFunctionsAreTheSameCall) {
-    EXPECT_EQ(Run("print(\"abcdef\".substr(2), substr(\"abcdef\", -2), \"abcabc\".search(\"ca\"));"), "ab ef 2");
+    EXPECT_EQ(Run("print(\"abcdef\".substr(2), substr(\"abcdef\", -2), \"abcabc\".search(\"ca\"));"),
+              "ab ef 2");
 }
 TEST_F(Language, ReadingAGlobalBeforeACallThatChangesIt) {
     EXPECT_EQ(Run("var g = 1; function f() { g = 10; return 1; } print(g + f(), g);"), "2 10");
 }
 TEST_F(Language, WhileDoBreak) {
-    EXPECT_EQ(Run("var i = 0; while (TRUE) { i++; if (i > 5) break; } do i--; while (i > 2); print(i);"), "2");
+    EXPECT_EQ(Run("var i = 0; while (TRUE) { i++; if (i > 5) break; } do i--; while (i > 2); print(i);"),
+              "2");
 }
 
 }  // namespace
