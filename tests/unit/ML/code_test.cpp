@@ -19,7 +19,8 @@ class GeneratedCode : public ScriptTest {
         std::string names;
         const Instruction* end = last.code - 1 + 1 + (last.code - 1)->jump;  // the jump over the body
         for (const Instruction* i = last.code; i < end - 1; ++i) {
-            names += (names.empty() ? "" : " ") + std::string(OpcodeName(i->op));
+            names += names.empty() ? "" : " ";
+            names += OpcodeName(i->op);
         }
         EXPECT_EQ((end - 1)->op, Opcode::RETURN_NONE);
         return names;
