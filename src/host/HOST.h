@@ -1,37 +1,33 @@
-// The program's spine outside the interpreter: start-up, the event loop with its recovery point, shutdown;
-// and what a window implementation calls back. `main` of each program makes its Window and calls HostMain.
+// The program's spine: start-up and configuration, the event loop, errors, shut-down.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/WINDOW.h"
 
 namespace quelmark {
 
-// The run of the program, from the configuration to the final report. `arguments` as the process got them
-// (UTF-8); `registerLibrary` (MODEL/MDLINIT.h) registers the built-in functions above the interpreter. The
-// result is the exit status: 0, or 1 after a fatal error. No exit() happens inside, so the caller can take
-// its window down in order.
-int HostMain(Window& window, int argc, char** argv, void (*registerLibrary)());
+// The whole run of the program in this window. `registerLibraries` registers every built-in function group above the
+// interpreter. `programPath` is the real path of the executable (host path); `arguments` are those behind the program's name, host
+// text. Returns the exit status.
+int HostMain(Window& window, const std::string& programPath, const std::vector<std::string>& arguments,
+             void (*registerLibraries)());
 
-// The window has a new client size or font: the views are laid out and drawn again, every pane invalidated.
-// To be called inside Window::Deliver; before the host has started it does nothing.
+Window& HostWindow();
+// The client area or the text sizes have changed: panes and views are laid out again.
 void HostResized();
-
-// The window that HostMain was given; null outside it.
-extern Window* MainWindow;
-
-// ---- state of the run, shared by the host's modules ----
-
-extern bool QuitFlag;
-// True once the scripts' top-level code has run: errors then return to the recovery point.
-extern bool Started;
-// Program directory with its trailing separator, and the search path (script paths, ";" between).
-extern std::string ProgramDirectory;
-extern std::string SearchPath;
-// The argument vector in cp932, "--dump" removed; 0 is the program file.
-const std::string* ProgramArgument(std::int32_t index);
+// The directory of the executable in drive-letter form, with its separator.
+const std::string& HostProgramDirectory();
+// The argument at an index, 0 the program's path; "" beyond the last.
+std::string HostArgument(std::int32_t index);
+// Asks the can-close handler; a handler that fails or gives no result keeps the window open.
+bool HostMayClose();
+// Leaves for the recovery point.
+[[noreturn]] void HostUnwind();
+// While a button is held: delivers messages, takes button state and pointer, and comes back after a short while at the latest.
+void HostDeliverHeld();
 
 }  // namespace quelmark

@@ -1,0 +1,121 @@
+#include "MODEL/EVENT.h"
+
+#include "ML/ERROR.h"
+#include "ML/FUNC.h"
+#include "ML/STRING.h"
+#include "host/INPUT.h"
+#include "text/sjis.h"
+
+namespace quelmark {
+namespace {
+
+constexpr std::int32_t SPECIAL_LAST = 0x802D;
+
+std::int32_t MouseMove(std::int32_t, std::int32_t, DataCell*) {
+    StackPushBool(Input.moved);
+    return RESULT;
+}
+
+template <std::int32_t CurrentInput::*field>
+std::int32_t Give(std::int32_t, std::int32_t, DataCell*) {
+    StackPushInt(Input.*field);
+    return RESULT;
+}
+
+std::int32_t MouseButton(std::int32_t, std::int32_t, DataCell*) {
+    StackPushInt((Input.left ? 1 : 0) | (Input.right ? 2 : 0));
+    return RESULT;
+}
+
+std::int32_t FlushKey(std::int32_t, std::int32_t, DataCell*) { return NO_RESULT; }
+
+[[noreturn]] void ReportKeyEvent() { RuntimeError("%s", "型が不正です。(KeyEvent)"_sjis); }
+
+// Each character binds its code; "F" and digits bind a special key.
+void BindText(std::string_view text, std::int32_t handler) {
+    for (std::size_t at = 0; at < text.size();) {
+        const char character = text[at++];
+        if (character != 'F') {
+            Handlers.character[character & 127] = handler;
+            continue;
+        }
+        std::int32_t number = 0;
+        for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
+            number = number > 1000 ? number : number * 10 + (text[at] - '0');
+        }
+        BindSpecialKey(number, handler);
+    }
+}
+
+void BindCode(std::int32_t code, std::int32_t handler) {
+    if (0 <= code && code <= 127) {
+        Handlers.character[code] = handler;
+    } else if (KEY_SPECIAL <= code && code <= SPECIAL_LAST) {
+        BindSpecialKey(code - KEY_SPECIAL, handler);
+    }
+}
+
+std::int32_t KeyEvent(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc < 1 || argv[0].type != TYPE_FUNC) {
+        ReportKeyEvent();
+    }
+    const std::int32_t handler = argv[0].integer;
+    if (argc == 2 && IsString(argv[1])) {
+        BindText(StringText(argv[1]), handler);
+        return NO_RESULT;
+    }
+    for (std::int32_t i = 1; i < argc; ++i) {
+        if (argv[i].type != TYPE_INT) {
+            ReportKeyEvent();
+        }
+    }
+    for (std::int32_t i = 1; i < argc; ++i) {
+        BindCode(argv[i].integer, handler);
+    }
+    return NO_RESULT;
+}
+
+template <std::int32_t InputHandlers::*slot>
+std::int32_t SetHandler(std::int32_t, std::int32_t, DataCell* argv) {
+    Handlers.*slot = argv[0].integer;
+    return NO_RESULT;
+}
+
+std::int32_t CallKeyEvent(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc > 0) {
+        Input.keyCode = argv[0].integer;
+        if (argv[0].type == TYPE_OBJECT) {
+            const std::string_view text = IsString(argv[0]) ? StringText(argv[0]) : std::string_view();
+            Input.keyCode = text.empty() ? 0 : static_cast<unsigned char>(text[0]);
+        }
+    }
+    StackPushBool(DispatchKey());
+    return RESULT;
+}
+
+// MouseX, MouseY, MouseButton, PressEvent and WheelEvent let scripts drag and zoom at the pointer.
+constexpr BuiltIn FUNCTIONS[] = {
+    {"", "MouseMove", MouseMove, Takes("MouseMove", {})},
+    {"", "KeyCode", Give<&CurrentInput::keyCode>, Takes("KeyCode", {})},
+    {"", "ShiftStat", Give<&CurrentInput::shift>, Takes("ShiftStat", {})},
+    {"", "FlushKey", FlushKey, Takes("FlushKey", {})},
+    {"", "KeyEvent", KeyEvent},
+    {"", "InputEvent", SetHandler<&InputHandlers::input>, Takes("InputEvent", {TYPE_FUNC})},
+    {"", "CallKeyEvent", CallKeyEvent, Takes("CallKeyEvent", {TYPE_INT | TYPE_OBJECT}, 0)},
+    {"", "MouseX", Give<&CurrentInput::x>, Takes("MouseX", {})},
+    {"", "MouseY", Give<&CurrentInput::y>, Takes("MouseY", {})},
+    {"", "MouseButton", MouseButton, Takes("MouseButton", {})},
+    {"", "PressEvent", SetHandler<&InputHandlers::press>, Takes("PressEvent", {TYPE_FUNC})},
+    {"", "WheelEvent", SetHandler<&InputHandlers::wheel>, Takes("WheelEvent", {TYPE_FUNC})},
+};
+
+}  // namespace
+
+void EventRegister() {
+    for (const KeyName& key : KeyNames()) {
+        ConstRegister(key.name, IntCell(key.code));
+    }
+    RegisterBuiltIns(FUNCTIONS);
+}
+
+}  // namespace quelmark

@@ -1,0 +1,8 @@
+// Script functions that read shape files.
+#pragma once
+
+namespace quelmark {
+
+void FileLibraryRegister();
+
+}  // namespace quelmark

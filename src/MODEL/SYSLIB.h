@@ -1,0 +1,8 @@
+// Script functions that control the host itself.
+#pragma once
+
+namespace quelmark {
+
+void SystemLibraryRegister();
+
+}  // namespace quelmark

@@ -1,0 +1,346 @@
+#include "MODEL/VIEWLIB.h"
+
+#include <cstdio>
+#include <vector>
+
+#include "MATLIB/SETMAT.h"
+#include "ML/ERROR.h"
+#include "ML/FUNC.h"
+#include "ML/OPERATE.h"
+#include "ML/STRING.h"
+#include "MODEL/SELECT.h"
+#include "MODEL/VERTEX.h"
+#include "host/INPUT.h"
+#include "host/PANES.h"
+#include "text/sjis.h"
+#include "view/OVERLAY.h"
+#include "view/VIEW.h"
+
+namespace quelmark {
+namespace {
+
+constexpr std::int32_t PICK_REACH = 12;  // pixels
+
+ModelPoint PointOf(const VertexRecord& v) { return {v.x, v.y, v.z}; }
+
+VertexRecord ToVertexRecord(const ModelPoint& point) {
+    return {ToCoordinate(point.x), ToCoordinate(point.y), ToCoordinate(point.z), 0, 0, 0, 0, 0};
+}
+
+ModelPoint PointOfVector(const DataCell& cell) {
+    const Vector& vector = ObjectData<Vector>(cell);
+    return {RealToInt(static_cast<double>(vector.x)), RealToInt(static_cast<double>(vector.y)),
+            RealToInt(static_cast<double>(vector.z))};
+}
+
+// ---- pointer and cursor ----
+
+std::int32_t MouseWindow(std::int32_t, std::int32_t, DataCell*) {
+    StackPushInt(ViewAt(Input.x, Input.y));
+    return RESULT;
+}
+
+std::int32_t MousePoint(std::int32_t, std::int32_t, DataCell*) {
+    StackPushVertex(ToVertexRecord(ViewPointAt(Input.x, Input.y, CursorPosition()).value_or(CursorPosition())), 0);
+    return RESULT;
+}
+
+std::int32_t CursorGet(std::int32_t, std::int32_t, DataCell*) {
+    StackPushVertex(ToVertexRecord(CursorPosition()), 0);
+    return RESULT;
+}
+
+std::int32_t CursorToVertex(std::int32_t, std::int32_t, DataCell* argv) {
+    CursorMove(PointOf(VertexOf(argv[0]).vertex));
+    PanesCursorMoved();
+    StackPush(argv[0]);
+    return RESULT;
+}
+
+std::int32_t CursorToVector(std::int32_t, std::int32_t, DataCell* argv) {
+    const VertexRecord vertex = ToVertexRecord(PointOfVector(argv[0]));
+    CursorMove(PointOf(vertex));
+    PanesCursorMoved();
+    StackPushVertex(vertex, 0);
+    return RESULT;
+}
+
+std::int32_t Cursor2D(std::int32_t, std::int32_t, DataCell* argv) {
+    if (ArrayCount(argv[0]) < 2) {
+        RuntimeError("%s", "引数配列のサイズが不正です。( Get2DCursor )"_sjis);
+    }
+    const ViewRecord& view = Views[ViewIndex(WIN_PERS)];
+    const EyePoint eye = ViewToEye(CursorPosition());
+    const PanePoint p = eye.x >= 1 ? ViewProjectEye(eye) : PanePoint{view.centreX, view.centreY};
+    const std::int64_t width = view.width > 0 ? view.width : 1;
+    const auto fraction = [width](std::int64_t pixels) { return static_cast<std::int32_t>(pixels * 65536 / width); };
+    DataCell* elements = ArrayElements(argv[0]);
+    CellAssign(elements[0], IntCell(fraction(p.x - view.left - view.width / 2)));
+    CellAssign(elements[1], IntCell(fraction(-(p.y - view.top - view.height / 2))));
+    return NO_RESULT;
+}
+
+std::int32_t ViewCursor(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc > 0) {
+        CursorShow(argv[0].integer != 0);
+    }
+    StackPushInt(CursorShown() ? 1 : 0);
+    return RESULT;
+}
+
+// ---- redraw ----
+
+std::int32_t Update(std::int32_t, std::int32_t argc, DataCell* argv) {
+    ViewRedrawMask(argc > 1 ? argv[1].integer : WIN_ALL, argv[0].integer != 0);
+    return NO_RESULT;
+}
+
+std::int32_t UpdatePers(std::int32_t, std::int32_t, DataCell* argv) {
+    ViewRedrawMask(WIN_PERS, argv[0].integer != 0);
+    return NO_RESULT;
+}
+
+std::int32_t ClearViews(std::int32_t, std::int32_t argc, DataCell* argv) {
+    ViewClear(argc == 0 || argv[0].integer != 0);
+    return NO_RESULT;
+}
+
+std::int32_t SetWindow(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc == 0) {
+        StackPushInt(VisibleViews);
+        return RESULT;
+    }
+    const OverlayPause pause;
+    ViewSetMask(argv[0].integer);
+    return NO_RESULT;
+}
+
+// ---- direct drawing ----
+
+std::int32_t DrawCurrent(std::int32_t, std::int32_t argc, DataCell* argv) {
+    StackPushInt(ViewDrawCurrent(argc > 0 && argv[0].integer != 0) ? 1 : 0);
+    return RESULT;
+}
+
+ModelPoint DisplayPoint(const DataCell& cell) { return ViewConverted(VertexOf(cell).vertex); }
+
+std::int32_t DrawModelLine(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const bool both = argc > 2 && argv[2].integer == LINE_OR;
+    OverlayModelLines({{DisplayPoint(argv[0]), DisplayPoint(argv[1])}}, both ? LINE_OR : LINE_XOR);
+    return NO_RESULT;
+}
+
+std::int32_t DrawLine2D(std::int32_t, std::int32_t, DataCell* argv) {
+    OverlayPaneLines({{{argv[0].integer, argv[1].integer, 0}, {argv[2].integer, argv[3].integer, 0}}});
+    return NO_RESULT;
+}
+
+std::int32_t DrawBox2D(std::int32_t, std::int32_t, DataCell* argv) {
+    const std::int32_t x1 = argv[0].integer, y1 = argv[1].integer, x2 = argv[2].integer, y2 = argv[3].integer;
+    OverlayPaneLines({{{x1, y1, 0}, {x2, y1, 0}}, {{x2, y1, 0}, {x2, y2, 0}}, {{x2, y2, 0}, {x1, y2, 0}},
+                      {{x1, y2, 0}, {x1, y1, 0}}});
+    return NO_RESULT;
+}
+
+// The corner of a box: bits 0 to 2 choose between the two vertices on each axis.
+ModelPoint Corner(const VertexRecord& a, const VertexRecord& b, int bits, const Matrix* matrix) {
+    VertexRecord v{(bits & 1) != 0 ? b.x : a.x, (bits & 2) != 0 ? b.y : a.y, (bits & 4) != 0 ? b.z : a.z, 0, 0, 0, 0, 0};
+    if (matrix != nullptr) {
+        const Vector moved = MatrixApply({static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)}, *matrix);
+        v.x = ToCoordinate(static_cast<double>(moved.x));
+        v.y = ToCoordinate(static_cast<double>(moved.y));
+        v.z = ToCoordinate(static_cast<double>(moved.z));
+    }
+    return ViewConverted(v);
+}
+
+std::int32_t DrawBox(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc < 2 || argc > 3) {
+        RuntimeError("%s", "引数の数が不正です。( Vertex:DrawBox )"_sjis);
+    }
+    if (!IsVertex(argv[0]) || !IsVertex(argv[1]) || (argc > 2 && !IsMatrix(argv[2]))) {
+        RuntimeError("%s", "引数の型が不正です。( Vertex:DrawBox )"_sjis);
+    }
+    const VertexRecord a = VertexOf(argv[0]).vertex;
+    const VertexRecord b = VertexOf(argv[1]).vertex;
+    const Matrix* matrix = argc > 2 ? &ObjectData<Matrix>(argv[2]) : nullptr;
+    std::vector<ModelLine> lines;
+    for (int corner = 0; corner < 8; ++corner) {
+        for (int axis = 1; axis < 8; axis <<= 1) {
+            if ((corner & axis) == 0) {
+                lines.push_back({Corner(a, b, corner, matrix), Corner(a, b, corner | axis, matrix)});
+            }
+        }
+    }
+    OverlayModelLines(lines, LINE_XOR);
+    return NO_RESULT;
+}
+
+// String, then a pane point or a Vertex, then perhaps a colour. Where there is no font nothing is drawn.
+std::int32_t DrawText(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc > 1 && argv[1].type == TYPE_OBJECT) {
+        argc > 2 ? ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_OBJECT, TYPE_INT})
+                 : ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_OBJECT});
+        VertexOf(argv[1]);
+    } else if (argc > 3) {
+        ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_INT, TYPE_INT, TYPE_INT});
+    } else {
+        ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_INT, TYPE_INT});
+    }
+    return NO_RESULT;
+}
+
+// ---- settings ----
+
+// A display flag: set when given, and returned.
+template <std::int32_t ViewSettings::*field>
+std::int32_t Number(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc > 0) {
+        ViewState.*field = argv[0].integer;
+    }
+    StackPushInt(ViewState.*field);
+    return RESULT;
+}
+
+template <bool ViewSettings::*field>
+std::int32_t Flag(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc > 0) {
+        ViewState.*field = argv[0].integer != 0;
+    }
+    StackPushInt(ViewState.*field ? 1 : 0);
+    return RESULT;
+}
+
+std::int32_t SetCenter(std::int32_t, std::int32_t, DataCell* argv) {
+    ModelPoint centre;
+    if (IsVertex(argv[0])) {
+        centre = PointOf(VertexOf(argv[0]).vertex);
+    } else if (IsVector(argv[0])) {
+        centre = PointOfVector(argv[0]);
+    } else {
+        RuntimeError("%s", "型が不正です。（SetCenter）"_sjis);
+    }
+    const OverlayPause pause;
+    ViewState.centre = centre;
+    return NO_RESULT;
+}
+
+std::int32_t SetZoom(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::int32_t step = argc > 1 ? argv[1].integer : 0;
+    const OverlayPause pause;
+    ViewSetZoom(argv[0].integer, step);
+    if (step != 0) {
+        char line[48];
+        const int length = std::snprintf(line, sizeof line, "move : %d\n", step);
+        TraceLog({line, static_cast<std::size_t>(length)});
+    }
+    return NO_RESULT;
+}
+
+void CheckMatrix(const DataCell& cell, const char* name) {
+    if (!IsMatrix(cell)) {
+        RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, 1, name);
+    }
+}
+
+std::int32_t SetPers(std::int32_t, std::int32_t, DataCell* argv) {
+    CheckMatrix(argv[0], "SetPers");
+    const OverlayPause pause;
+    ViewSetPerspective(ObjectData<Matrix>(argv[0]));
+    ViewRedrawMask(WIN_PERS, true);
+    return NO_RESULT;
+}
+
+std::int32_t SetConv(std::int32_t, std::int32_t, DataCell* argv) {
+    CheckMatrix(argv[0], "SetConv");
+    const OverlayPause pause;
+    ViewSetConversion(ObjectData<Matrix>(argv[0]));
+    return NO_RESULT;
+}
+
+std::int32_t SetGrid(std::int32_t, std::int32_t, DataCell* argv) {
+    ViewState.gridSpacing = argv[0].integer;
+    ViewState.gridSnap = argv[1].integer;
+    return NO_RESULT;
+}
+
+std::int32_t PersAngle(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const OverlayPause pause;
+    StackPushInt(ViewSetAngle(argc > 0 ? argv[0].integer : 0));
+    return RESULT;
+}
+
+template <std::int32_t ViewRecord::*size>
+std::int32_t ViewSize(std::int32_t, std::int32_t, DataCell* argv) {
+    const std::int32_t view = ViewIndex(argv[0].integer);
+    if (view < 0) {
+        return NO_RESULT;
+    }
+    const std::int64_t units = std::int64_t{Views[view].*size} * ViewState.denominator / ViewState.numerator;
+    StackPushInt(RealToInt(static_cast<double>(units)));
+    return RESULT;
+}
+
+// ---- picking ----
+
+// Selects by a click: the polygon whose outline passes nearest to a pane point is the hit.
+std::int32_t SelectPoint(std::int32_t, std::int32_t, DataCell* argv) {
+    const PolygonRecord* nearest = ViewPick(argv[2].integer, argv[3].integer, PICK_REACH);
+    SelectBegin();
+    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
+        SelectPolygon(polygon, polygon == nearest, argv[0].integer != 0, argv[1].integer & SELECT_MODE_MASK);
+    }
+    StackPushBool(nearest != nullptr);
+    return RESULT;
+}
+
+constexpr ConstantRow CONSTANTS[] = {
+    {"WIN_XY", IntCell(WIN_XY)},     {"WIN_YZ", IntCell(WIN_YZ)},       {"WIN_ZX", IntCell(WIN_ZX)},
+    {"WIN_PERS", IntCell(WIN_PERS)}, {"WIN_ALL", IntCell(WIN_ALL)},     {"LINE_OR", IntCell(LINE_OR)},
+    {"LINE_XOR", IntCell(LINE_XOR)}, {"OVERWRITE", BoolCell(0)},        {"CLEAR", BoolCell(1)},
+};
+
+constexpr BuiltIn FUNCTIONS[] = {
+    {"", "MouseWindow", MouseWindow, Takes("MouseWindow", {})},
+    {"", "Cursor", CursorGet, Takes("Cursor", {})},
+    {"Vertex", "Cursor", CursorToVertex, Takes("Cursor", {TYPE_OBJECT})},
+    {"Vector", "Cursor", CursorToVector, Takes("Cursor", {TYPE_OBJECT})},
+    {"", "Cursor2D", Cursor2D, Takes("Cursor2D", {TYPE_ARRAY})},
+    {"", "Update", Update, Takes("Update", {TYPE_FLAG, TYPE_INT}, 1)},
+    {"", "UpdatePers", UpdatePers, Takes("UpdatePers", {TYPE_FLAG})},
+    {"", "DrawCurrent", DrawCurrent, Takes("DrawCurrent", {TYPE_FLAG}, 0)},
+    {"Vertex", "DrawLine", DrawModelLine, Takes("DrawLine", {TYPE_OBJECT, TYPE_OBJECT, TYPE_INT}, 2)},
+    {"", "DrawLine2D", DrawLine2D, Takes("DrawLine2D", {TYPE_INT, TYPE_INT, TYPE_INT, TYPE_INT})},
+    {"Vertex", "DrawBox", DrawBox},
+    {"", "DrawBox2D", DrawBox2D, Takes("DrawBox2D", {TYPE_INT, TYPE_INT, TYPE_INT, TYPE_INT})},
+    {"", "Clear", ClearViews, Takes("Clear", {TYPE_FLAG}, 0)},
+    {"", "SetWindow", SetWindow, Takes("SetWindow", {TYPE_INT}, 0)},
+    {"", "Window", SetWindow, Takes("SetWindow", {TYPE_INT}, 0)},
+    {"", "VisibleVector", Number<&ViewSettings::visibleVector>, Takes("SetVisibleVector", {TYPE_FLAG}, 0)},
+    {"", "VisiblePolyVector", Number<&ViewSettings::visiblePolyVector>, Takes("SetVisiblePolyVector", {TYPE_FLAG}, 0)},
+    {"", "VisibleVertex", Number<&ViewSettings::visibleVertex>, Takes("SetVisibleVertex", {TYPE_FLAG}, 0)},
+    {"", "SetCenter", SetCenter, Takes("SetCenter", {TYPE_OBJECT})},
+    {"", "Center", SetCenter, Takes("SetCenter", {TYPE_OBJECT})},
+    {"", "SetZoom", SetZoom, Takes("SetZoom", {TYPE_INT, TYPE_INT}, 1)},
+    {"Matrix", "SetPers", SetPers, Takes("SetPers", {TYPE_OBJECT})},
+    {"", "SetGrid", SetGrid, Takes("SetGrid", {TYPE_INT, TYPE_INT})},
+    {"Matrix", "SetConv", SetConv, Takes("SetConv", {TYPE_OBJECT})},
+    {"String", "DrawText", DrawText},
+    {"", "PersAngle", PersAngle, Takes("PersAngle", {TYPE_INT}, 0)},
+    {"", "ViewWidth", ViewSize<&ViewRecord::width>, Takes("ViewWidth", {TYPE_INT})},
+    {"", "ViewHeight", ViewSize<&ViewRecord::height>, Takes("ViewHeight", {TYPE_INT})},
+    {"", "DrawInvisible", Flag<&ViewSettings::drawInvisible>, Takes("DrawInvisible", {TYPE_FLAG}, 0)},
+    {"", "DrawFrontOnly", Flag<&ViewSettings::frontOnly>, Takes("DrawFrontOnly", {TYPE_FLAG}, 0)},
+    {"", "ViewCursor", ViewCursor, Takes("ViewCursor", {TYPE_FLAG}, 0)},
+    {"", "MousePoint", MousePoint, Takes("MousePoint", {})},
+    {"", "SelectPoint", SelectPoint, Takes("SelectPoint", {TYPE_FLAG, TYPE_INT, TYPE_INT, TYPE_INT})},
+};
+
+}  // namespace
+
+void ViewLibraryRegister() {
+    RegisterConstants(CONSTANTS);
+    RegisterBuiltIns(FUNCTIONS);
+}
+
+}  // namespace quelmark

@@ -1,0 +1,8 @@
+// Script functions of the views.
+#pragma once
+
+namespace quelmark {
+
+void ViewLibraryRegister();
+
+}  // namespace quelmark

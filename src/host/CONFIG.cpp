@@ -1,0 +1,204 @@
+#include "host/CONFIG.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "text/cp932.h"
+#include "text/path.h"
+
+namespace quelmark {
+namespace {
+
+constexpr std::string_view BLANKS = " \t\r\n\v\f";
+
+std::string configPath;
+std::vector<ConfigEntry> entries;
+
+std::string WithSeparator(std::string_view directory) {
+    std::string text(directory);
+    const std::size_t last = FindLastOf(text, "\\/:");
+    if (text.empty() || last != text.size() - 1) {
+        text += '\\';
+    }
+    return text;
+}
+
+std::string Environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? std::string() : Utf8ToCp932Lossy(value);
+}
+
+std::optional<std::string> ReadHostFile(const std::string& path) {
+    const FilePtr file(std::fopen(path.c_str(), "rb"));
+    if (!file) {
+        return std::nullopt;
+    }
+    std::string text;
+    char buffer[4096];
+    for (std::size_t count = 0; (count = std::fread(buffer, 1, sizeof buffer, file.get())) > 0;) {
+        text.append(buffer, count);
+    }
+    return text;
+}
+
+bool WriteHostFile(const std::string& path, std::string_view text) {
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (file == nullptr) {
+        return false;
+    }
+    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size() && std::fflush(file) == 0 &&
+                         ::fsync(::fileno(file)) == 0;
+    return std::fclose(file) == 0 && written;
+}
+
+// The file's text with the entry in it; lines, comments and line ends stay as they are.
+std::string TextWithEntry(std::string_view text, std::string_view key, const std::string& line, bool utf8) {
+    const std::string_view lineEnd = text.find("\r\n") != std::string_view::npos ? "\r\n" : "\n";
+    std::string out;
+    bool replaced = false;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+        const std::string_view old = text.substr(at, end - at);
+        const auto entry = ConfigSplit(utf8 ? Utf8ToCp932Lossy(old) : std::string(old));
+        if (!replaced && entry && entry->key == key) {
+            out += line;
+            out += lineEnd;
+            replaced = true;
+        } else {
+            out += old;
+        }
+        at = end;
+    }
+    if (!replaced) {
+        if (!out.empty() && out.back() != '\n') {
+            out += lineEnd;
+        }
+        out += line;
+        out += lineEnd;
+    }
+    return out;
+}
+
+}  // namespace
+
+std::optional<ConfigEntry> ConfigSplit(std::string_view line) {
+    const std::size_t start = line.find_first_not_of(BLANKS);
+    if (start == std::string_view::npos || line[start] == '#') {
+        return std::nullopt;
+    }
+    line.remove_prefix(start);
+    const std::size_t keyEnd = std::min(line.find_first_of(" \t\r\n\v\f="), line.size());
+    ConfigEntry entry;
+    entry.key = line.substr(0, keyEnd);
+    line.remove_prefix(keyEnd);
+    const auto skipBlanks = [&line] { line.remove_prefix(std::min(line.find_first_not_of(BLANKS), line.size())); };
+    skipBlanks();
+    if (line.starts_with('=')) {
+        line.remove_prefix(1);
+        skipBlanks();
+    }
+    entry.value = line.substr(0, line.find_last_not_of(BLANKS) + 1);
+    return entry;
+}
+
+std::string ConfigDefaultPath(std::string_view programDirectory) {
+    if (std::getenv("MODELPATH") != nullptr) {
+        return Environment("MODELPATH");
+    }
+    std::string path;
+    for (const char* name : {"HOME", "home"}) {
+        if (std::getenv(name) != nullptr) {
+            path = Environment(name) + ";";
+            break;
+        }
+    }
+    const char* separator = "";
+    for (const char* sub : {"", "MACRO", "QUELMARK", "MODEL"}) {
+        path += separator;
+        path += programDirectory;
+        path += sub;
+        separator = ";";
+    }
+    return path;
+}
+
+std::optional<std::string> ConfigFind(std::string_view pathList, std::string_view name) {
+    if (PathExists(name)) {
+        const bool absolute = name.starts_with('\\') || name.starts_with('/') || (name.size() > 1 && name[1] == ':');
+        return absolute ? std::string(name) : WithSeparator(CurrentDirectory()) + std::string(name);
+    }
+    while (!pathList.empty()) {
+        const std::size_t end = std::min(FindFirstOf(pathList, ";"), pathList.size());
+        std::string candidate = WithSeparator(pathList.substr(0, end));
+        candidate += name;
+        if (end > 0 && PathExists(candidate)) {
+            return candidate;
+        }
+        pathList.remove_prefix(std::min(end + 1, pathList.size()));
+    }
+    return std::nullopt;
+}
+
+std::optional<std::vector<std::string>> ConfigReadLines(std::string_view path) {
+    auto bytes = ReadWholeFile(path);
+    if (!bytes) {
+        return std::nullopt;
+    }
+    const std::string text = FileTextToCp932(std::move(*bytes));
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        lines.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return lines;
+}
+
+void ConfigKeep(std::string_view path, const std::vector<std::string>& lines) {
+    configPath = path;
+    entries.clear();
+    for (const std::string& line : lines) {
+        auto entry = ConfigSplit(line);
+        if (entry && !entry->value.empty()) {
+            entries.push_back(std::move(*entry));
+        }
+    }
+}
+
+std::string ConfigValue(std::string_view key) {
+    const auto found = std::ranges::find(entries, key, &ConfigEntry::key);
+    return found == entries.end() ? std::string() : found->value;
+}
+
+bool ConfigWrite(std::string_view key, std::string_view value) {
+    const auto path = HostPath(configPath);
+    const auto text = path ? ReadHostFile(*path) : std::nullopt;
+    if (!text || ::access(path->c_str(), W_OK) != 0) {
+        return false;
+    }
+    const bool utf8 = text->starts_with("\xEF\xBB\xBF");
+    std::string line(key);
+    line += "\t= ";
+    line += value;
+    const std::string changed = TextWithEntry(*text, key, utf8 ? Cp932ToUtf8(line) : line, utf8);
+    const std::size_t dot = path->rfind('.');
+    const std::size_t slash = path->rfind('/');
+    const bool hasDot = dot != std::string::npos && (slash == std::string::npos || dot > slash);
+    const std::string sibling = (hasDot ? path->substr(0, dot) : *path) + ".tmp";
+    if (!WriteHostFile(sibling, changed) || std::rename(sibling.c_str(), path->c_str()) != 0) {
+        ::unlink(sibling.c_str());
+        return false;
+    }
+    const auto found = std::ranges::find(entries, key, &ConfigEntry::key);
+    if (found != entries.end()) {
+        found->value = value;
+    } else {
+        entries.push_back({std::string(key), std::string(value)});
+    }
+    return true;
+}
+
+}  // namespace quelmark

@@ -1,0 +1,399 @@
+#include "host/HOST.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+
+#include "ML/ERROR.h"
+#include "ML/FUNC.h"
+#include "ML/ML.h"
+#include "MODEL/POLY.h"
+#include "host/CONFIG.h"
+#include "host/INPUT.h"
+#include "host/PANES.h"
+#include "reader/objread.h"
+#include "text/cp932.h"
+#include "text/path.h"
+#include "text/sjis.h"
+#include "view/VIEW.h"
+
+namespace quelmark {
+namespace {
+
+constexpr const char* CONFIG_NAME = "Quelmark.ini";
+constexpr std::int32_t HELD_INTERVAL = 20;
+constexpr std::int32_t KILOBYTE = 1024;
+
+Window* window = nullptr;
+std::string programDirectory;
+std::vector<std::string> argumentTexts;  // cp932, the program's path first
+std::string logPath;                     // host path, empty for no log
+std::string searchPath;
+bool handlersInstalled = false;
+bool started = false;
+
+struct Settings {
+    InterpreterSizes interpreter;
+    std::int32_t bufferKilobytes = 128, objects = 16, attributes = 256, vertices = 256;
+};
+
+// ---- log and messages ----
+
+void WriteLog(std::string_view text) {
+    if (logPath.empty()) {
+        return;
+    }
+    // Opened and closed each time, so that the log survives a crash.
+    if (const FilePtr file{std::fopen(logPath.c_str(), "ab")}) {
+        std::fwrite(text.data(), 1, text.size(), file.get());
+    }
+}
+
+void WriteOutput(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    WriteLog(text);
+}
+
+void WriteFormat(const char* format, auto... arguments) {
+    char text[512];
+    const int length = std::snprintf(text, sizeof text, format, arguments...);
+    WriteLog({text, static_cast<std::size_t>(std::min(length, static_cast<int>(sizeof text) - 1))});
+}
+
+bool SameStream(int a, int b) {
+    struct stat one {}, other {};
+    return ::fstat(a, &one) == 0 && ::fstat(b, &other) == 0 && one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+// Before the window can show anything: the output log, and standard error where that is another place.
+void ShowOnTerminal(std::string_view message) {
+    std::string line(message);
+    line += '\n';
+    WriteOutput(line);
+    std::fflush(stdout);
+    if (!SameStream(STDOUT_FILENO, STDERR_FILENO)) {
+        const std::string utf8 = Cp932ToUtf8(line);
+        std::fwrite(utf8.data(), 1, utf8.size(), stderr);
+    }
+}
+
+void OnError(std::string_view message) {
+    if (!handlersInstalled) {
+        ShowOnTerminal(message);
+    } else {
+        window->Beep();
+        MessageShow(message);
+    }
+    throw ScriptAbort{};
+}
+
+int OnWarning(std::string_view message) {
+    window->Beep();
+    MessageAdd(message);
+    return 0;
+}
+
+void SetUpLog(const std::string& programPath) {
+    if (const char* name = std::getenv("QUELMARKLOG")) {
+        logPath = name;
+    } else if (programPath.size() > 4 && programPath[programPath.size() - 4] == '.') {
+        logPath = programPath.substr(0, programPath.size() - 3) + "log";
+    } else {
+        logPath.clear();
+    }
+    if (!logPath.empty()) {
+        ::unlink(logPath.c_str());
+    }
+}
+
+void UsageReport() {
+    WriteFormat("Code Used  : %d Kbytes\n", CodeUsed() / KILOBYTE + 1);
+    WriteFormat("Stack Used : %d\n", StackMaxUsed());
+    WriteFormat("Globals    : %d\n", GlobalsUsed());
+    WriteFormat("Functions  : %d\n", FunctionsUsed());
+    WriteLog("Quelmark 1.1.1\n");
+}
+
+// ---- start-up ----
+
+// Decimal conversion: text that is no number is 0; far too large numbers are cut.
+std::int32_t ToNumber(const std::string& text) {
+    return static_cast<std::int32_t>(std::clamp(std::strtol(text.c_str(), nullptr, 10), -2147483647L, 2147483647L));
+}
+
+std::int32_t TimesKilobyte(std::int32_t value) {
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(std::int64_t{value} * KILOBYTE, 0, 2147482624));
+}
+
+void ApplySetting(Settings& settings, const ConfigEntry& entry) {
+    const std::int32_t number = ToNumber(entry.value);
+    if (entry.key == "CodeSize") {
+        settings.interpreter.codeBytes = TimesKilobyte(number);
+    } else if (entry.key == "Global") {
+        settings.interpreter.globals = number;
+    } else if (entry.key == "Function") {
+        settings.interpreter.functions = number;
+    } else if (entry.key == "Stack") {
+        settings.interpreter.stackCells = number;
+    } else if (entry.key == "BufferSize") {
+        settings.bufferKilobytes = number;
+    } else if (entry.key == "Attr") {
+        settings.attributes = number;
+    } else if (entry.key == "Object") {
+        settings.objects = number;
+    } else if (entry.key == "Vertexs") {
+        settings.vertices = number;
+    } else if (entry.key == "Path") {
+        searchPath = entry.value;
+    }
+}
+
+// Sizes that no table could have are brought to the nearest that it can.
+void LimitSettings(Settings& settings) {
+    constexpr std::int32_t TABLE_MOST = 32767;
+    InterpreterSizes& sizes = settings.interpreter;
+    sizes.globals = std::clamp(sizes.globals, 0, TABLE_MOST);
+    sizes.functions = std::clamp(sizes.functions, 0, TABLE_MOST);
+    sizes.stackCells = std::clamp(sizes.stackCells, sizes.globals + 256, 1 << 28);
+    settings.objects = std::clamp(settings.objects, 1, TABLE_MOST);
+    settings.attributes = std::clamp(settings.attributes, 1, TABLE_MOST);
+    settings.vertices = std::clamp(settings.vertices, 1, VERTEX_LIMIT - 1);
+    settings.bufferKilobytes = std::max(settings.bufferKilobytes, 1);
+}
+
+void CompileSources(const std::vector<std::string>& lines) {
+    WriteLog("\nCode Used\n");
+    bool any = false;
+    for (const std::string& line : lines) {
+        const auto entry = ConfigSplit(line);
+        if (!entry || entry->key != "SourceFile") {
+            continue;
+        }
+        const auto name = ConfigSplit(entry->value);  // the first word alone counts
+        if (!name) {
+            continue;
+        }
+        const auto path = ConfigFind(searchPath, name->key);
+        if (!path) {
+            FatalError("ファイル %s が存在しません。"_sjis, name->key.c_str());
+        }
+        any = true;
+        const std::int32_t used = CompileFile(*path);
+        WriteFormat("%-10s : %d\n", name->key.c_str(), used);
+    }
+    WriteFormat("%-10s : %d\n", "Total", CodeUsed());
+    if (!any) {
+        FatalError("%s", "ソースファイルが読み込まれていません。"_sjis);
+    }
+}
+
+void SetPalette() {
+    struct Entry {
+        std::int32_t index;
+        std::uint8_t red, green, blue;
+    };
+    constexpr Entry ENTRIES[] = {
+        {0, 0, 0, 0},        {1, 0, 0, 255},       {2, 255, 0, 0},    {3, 255, 0, 255},
+        {4, 0, 255, 0},      {5, 0, 255, 255},     {6, 255, 255, 0},  {7, 255, 255, 255},
+        {8, 255, 0, 255},    {9, 0, 0, 127},       {10, 180, 180, 180}, {11, 127, 0, 127},
+        {12, 255, 0, 0},     {13, 100, 100, 100},  {14, 255, 255, 0}, {15, 255, 255, 255},
+    };
+    for (const Entry& entry : ENTRIES) {
+        window->SetPalette(entry.index, entry.red, entry.green, entry.blue);
+    }
+}
+
+bool BreakWanted() {
+    const bool wanted = window->TakeBreakKey();
+    PanesRefresh();
+    return wanted;
+}
+
+// Everything up to the scripts' first statement.
+void StartUp(void (*registerLibraries)()) {
+    const auto path = ConfigFind(searchPath, CONFIG_NAME);
+    if (!path) {
+        FatalError("ファイル %s が存在しません。"_sjis, CONFIG_NAME);
+    }
+    const auto lines = ConfigReadLines(*path);
+    if (!lines) {
+        FatalError("ファイル %s がオープンできません。"_sjis, path->c_str());
+    }
+    Settings settings;
+    for (const std::string& line : *lines) {
+        if (const auto entry = ConfigSplit(line)) {
+            ApplySetting(settings, *entry);
+        }
+    }
+    LimitSettings(settings);
+    InterpreterInit(settings.interpreter);
+    registerLibraries();
+    ConfigKeep(*path, *lines);
+    CompileSources(*lines);
+    ExecInit();
+    PanesReset();
+    SetPalette();
+    HandlersReset();
+    ModelInit(TimesKilobyte(settings.bufferKilobytes), settings.objects, settings.attributes, settings.vertices);
+    if (BufTop == nullptr || AttrRevision == 0) {
+        FatalError("%s", "メモリが確保できません。(ModelInit)"_sjis);
+    }
+    ViewInit();
+    ViewSetDamageHook([](const PixelRect& rect) { window->InvalidateFrame(rect); });
+    HostResized();
+    SetBreakCheck(BreakWanted);
+}
+
+// ---- running ----
+
+// Runs one pass of something that may fail: false when an error or a quit has unwound it.
+template <class Pass>
+bool Guarded(const ExecMark& base, Pass pass) {
+    try {
+        pass();
+    } catch (const ScriptAbort&) {
+        ExecRecover(base);
+        return false;
+    }
+    ExecRecover(base);
+    return true;
+}
+
+void EventLoop(const ExecMark& base) {
+    while (!QuitFlag) {
+        Guarded(base, [] {
+            const bool come = InputStep();
+            if (Input.keyCode != 0) {
+                DispatchKey();
+            }
+            if (Input.wheel != 0) {
+                CallHandler(Handlers.wheel, {Input.wheel, Input.shift});
+            }
+            if (come) {
+                CallHandler(Handlers.input, {Input.shift});
+            }
+        });
+    }
+}
+
+void RunScripts() {
+    handlersInstalled = true;
+    QuitFlag = false;
+    ExecTopLevel();
+    ViewEnableDrawing(true);
+    ViewRedraw(WHOLE_AREA, true);
+    started = true;
+    PanesRefresh();
+    const ExecMark base = ExecTakeMark();
+    const std::int32_t entry = FunctionFind("main");
+    if (entry >= 0 && IsScriptFunction(entry)) {
+        Guarded(base, [entry] {
+            if (!QuitFlag) {
+                CallFunction(entry, 0, StackTop() + 1);
+            }
+        });
+    } else {
+        EventLoop(base);
+    }
+}
+
+void ShutDown() {
+    ViewEnableDrawing(false);
+    ViewSetDamageHook(nullptr);
+    ModelExit();
+    ViewExit();
+    UsageReport();
+}
+
+int Run(void (*registerLibraries)()) {
+    try {
+        StartUp(registerLibraries);
+        RunScripts();
+    } catch (const ScriptAbort&) {
+        // Unwound before the scripts had run to their end: by an error, or by a wait without any input left.
+        if (!QuitFlag) {
+            if (handlersInstalled) {
+                UsageReport();
+            }
+            return 1;
+        }
+    }
+    ShutDown();
+    return 0;
+}
+
+}  // namespace
+
+int HostMain(Window& mainWindow, const std::string& programPath, const std::vector<std::string>& arguments,
+             void (*registerLibraries)()) {
+    window = &mainWindow;
+    handlersInstalled = started = false;
+    QuitFlag = false;
+    SetUpLog(programPath);
+    SetOutputSink(WriteOutput);
+    SetTraceSink(WriteLog);
+    SetErrorHandlers([](std::string_view message) { OnError(message); }, OnWarning);
+    const std::string program = ScriptPath(programPath).value_or("");
+    programDirectory = DirectoryPart(program);
+    argumentTexts.assign(1, program);
+    const bool dump = !arguments.empty() && arguments[0] == "--dump";
+    for (std::size_t i = dump ? 1 : 0; i < arguments.size(); ++i) {
+        argumentTexts.push_back(Utf8ToCp932(arguments[i]).value_or(""));
+    }
+    SetTrace(dump);
+    ReaderInit(programDirectory);
+    searchPath = ConfigDefaultPath(programDirectory);
+    const int status = Run(registerLibraries);
+    std::fflush(stdout);
+    SetBreakCheck(nullptr);
+    InterpreterExit();
+    return status;
+}
+
+Window& HostWindow() { return *window; }
+
+void HostResized() {
+    if (window == nullptr) {
+        return;  // the window is being made
+    }
+    ViewLayout(ViewsRect().right, ViewsRect().bottom, window->LineHeight());
+    window->Invalidate(Pane::List);
+    window->Invalidate(Pane::Status);
+    window->Invalidate(Pane::Message);
+}
+
+const std::string& HostProgramDirectory() { return programDirectory; }
+
+std::string HostArgument(std::int32_t index) {
+    return 0 <= index && index < static_cast<std::int32_t>(argumentTexts.size())
+               ? argumentTexts[static_cast<std::size_t>(index)]
+               : std::string();
+}
+
+bool HostMayClose() {
+    if (!started || PaneEvents.canClose < 0) {
+        return true;
+    }
+    const ExecMark mark = ExecTakeMark();
+    bool close = false;
+    Guarded(mark, [&close] { close = CallHandler(PaneEvents.canClose, {0}); });
+    return close;
+}
+
+void HostUnwind() { throw ScriptAbort{}; }
+
+void HostDeliverHeld() {
+    window->Deliver(HELD_INTERVAL);
+    const InputState now = window->TakeInput();
+    QuitFlag = QuitFlag || now.finished;
+    Input.left = now.left;
+    Input.right = now.right;
+    Input.x = now.x;
+    Input.y = now.y;
+}
+
+}  // namespace quelmark

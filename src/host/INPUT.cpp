@@ -1,0 +1,245 @@
+#include "host/INPUT.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "ML/ERROR.h"
+#include "ML/FUNC.h"
+#include "host/HOST.h"
+#include "host/PANES.h"
+#include "view/OVERLAY.h"
+
+namespace quelmark {
+
+CurrentInput Input;
+InputHandlers Handlers;
+WaitMode Mode;
+bool QuitFlag = false;
+
+namespace {
+
+constexpr std::uint32_t PULSE_STEP = 5;     // milliseconds of one pulse index
+constexpr std::int32_t PULSE_INTERVAL = 40;  // milliseconds between two looks at the pulse: smooth, and next to no work
+constexpr std::int32_t PULSE_COLOURS = 128;
+constexpr std::int32_t PULSE_ENTRY = 14;
+
+constexpr KeyName KEYS[] = {
+    {"ESC", 27},
+    {"BS", 8},
+    {"RET", 13},
+    {"LEFT_SWITCH", 1},
+    {"RIGHT_SWITCH", 2},
+    {"HELP", 0x8019},
+    {"MOUSE_LEFT", 1},
+    {"MOUSE_RIGHT", 2},
+    {"KEY_TAB", 9},
+    {"KEY_ESC", 27},
+    {"KEY_BS", 8},
+    {"KEY_RET", 13},
+    {"KEY_F1", 0x8001},
+    {"KEY_F2", 0x8002},
+    {"KEY_F3", 0x8003},
+    {"KEY_F4", 0x8004},
+    {"KEY_F5", 0x8005},
+    {"KEY_F6", 0x8006},
+    {"KEY_F7", 0x8007},
+    {"KEY_F8", 0x8008},
+    {"KEY_F9", 0x8009},
+    {"KEY_F10", 0x800A},
+    {"KEY_F11", 0x800B},
+    {"KEY_F12", 0x800C},
+    {"KEY_F13", 0x800D},
+    {"KEY_F14", 0x800E},
+    {"KEY_F15", 0x800F},
+    {"KEY_ROLLUP", 0x8010},
+    {"KEY_ROLLDOWN", 0x8011},
+    {"KEY_INS", 0x8012},
+    {"KEY_DEL", 0x8013},
+    {"KEY_UP", 0x8014},
+    {"KEY_LEFT", 0x8015},
+    {"KEY_RIGHT", 0x8016},
+    {"KEY_DOWN", 0x8017},
+    {"KEY_CLR", 0x8018},
+    {"KEY_HELP", 0x8019},
+    {"KEY_HOME", 0x801A},
+    {"KEY_UNDO", 0x801B},
+    {"KEY_NUMPAD_0", 0x801C},
+    {"KEY_NUMPAD_1", 0x801D},
+    {"KEY_NUMPAD_2", 0x801E},
+    {"KEY_NUMPAD_3", 0x801F},
+    {"KEY_NUMPAD_4", 0x8020},
+    {"KEY_NUMPAD_5", 0x8021},
+    {"KEY_NUMPAD_6", 0x8022},
+    {"KEY_NUMPAD_7", 0x8023},
+    {"KEY_NUMPAD_8", 0x8024},
+    {"KEY_NUMPAD_9", 0x8025},
+    {"KEY_NUMPAD_SLASH", 0x8026},
+    {"KEY_NUMPAD_ASTERISK", 0x8027},
+    {"KEY_NUMPAD_MINUS", 0x8028},
+    {"KEY_NUMPAD_PLUS", 0x8029},
+    {"KEY_NUMPAD_EQUAL", 0x802A},
+    {"KEY_NUMPAD_ENTER", 0x802B},
+    {"KEY_NUMPAD_COMMA", 0x802C},
+    {"KEY_NUMPAD_PERIOD", 0x802D},
+};
+static_assert(std::size(KEYS) == 57);
+
+std::uint32_t pulseTime = 0;
+std::int32_t pulseIndex = 0;
+
+// A magenta that swells and fades, from 212 up to 254 and back.
+void Pulse() {
+    const std::uint32_t now = HostWindow().Milliseconds();
+    const std::uint32_t steps = (now - pulseTime) / PULSE_STEP;
+    if (steps == 0) {
+        return;
+    }
+    pulseTime += steps * PULSE_STEP;
+    pulseIndex = static_cast<std::int32_t>((static_cast<std::uint32_t>(pulseIndex) + steps) % PULSE_COLOURS);
+    constexpr double TURN = 6.283185307179586;
+    const auto p = static_cast<std::uint8_t>((127 - 127 * std::cos(TURN * pulseIndex / PULSE_COLOURS)) / 6 + 212.5);
+    HostWindow().SetPalette(PULSE_ENTRY, p, 0, p);
+}
+
+// Buttons that a mask of MOUSE_LEFT and MOUSE_RIGHT names are held.
+bool Held(std::int32_t mask, bool left, bool right) { return ((mask & 1) != 0 && left) || ((mask & 2) != 0 && right); }
+
+// A button is down: panes, then the script's press handler. True when the press has been used up.
+bool HandlePress(bool fresh) {
+    if (PanePress(Input.x, Input.y)) {
+        return true;
+    }
+    if (!fresh || Handlers.press < 0) {
+        return false;
+    }
+    const std::int32_t button = Input.left ? 1 : 2;
+    return CallHandler(Handlers.press, {button, Input.shift});
+}
+
+}  // namespace
+
+std::span<const KeyName> KeyNames() { return KEYS; }
+
+void HandlersReset() {
+    std::ranges::fill(Handlers.character, -1);
+    std::ranges::fill(Handlers.special, -1);
+    Handlers.input = Handlers.press = Handlers.wheel = -1;
+    Input = CurrentInput{};
+    Mode = WaitMode{};
+    pulseIndex = 0;
+    pulseTime = HostWindow().Milliseconds();
+}
+
+void BindSpecialKey(std::int32_t number, std::int32_t handler) {
+    const auto count = static_cast<std::int32_t>(std::size(Handlers.special));
+    if (number == count) {
+        Handlers.input = handler;
+    } else if (0 <= number && number < count) {
+        Handlers.special[number] = handler;
+    }
+}
+
+void WaitStep() {
+    InputState now;
+    for (bool pending = true; pending;) {
+        HostWindow().Deliver(PULSE_INTERVAL);
+        now = HostWindow().TakeInput();
+        QuitFlag = QuitFlag || now.finished;
+        if (now.closeRequested && !QuitFlag) {
+            QuitFlag = HostMayClose();
+        }
+        if (QuitFlag) {
+            return;
+        }
+        Pulse();
+        PanesRefresh();
+        const bool moved = now.x != Input.x || now.y != Input.y;
+        const bool pressed = (now.left && !Input.left) || (now.right && !Input.right);
+        if (pressed || now.keyCode != 0) {
+            MessageHide();
+        }
+        pending = now.left == Input.left && now.right == Input.right && now.keyCode == 0 && now.wheel == 0 &&
+                  !((now.left || now.right) && moved);
+        Input.moved = moved;
+        Input.x = now.x;
+        Input.y = now.y;
+    }
+    Input.left = now.left;
+    Input.right = now.right;
+    Input.keyCode = now.keyCode;
+    Input.shift = now.shift;
+    Input.wheel = now.wheel;
+}
+
+void WaitRelease() {
+    while ((Input.left || Input.right) && !QuitFlag) {
+        WaitStep();
+    }
+}
+
+bool InputStep() {
+    const bool leftBefore = Input.left;
+    const bool rightBefore = Input.right;
+    if (!QuitFlag) {
+        WaitStep();
+    }
+    if (QuitFlag) {
+        HostUnwind();
+    }
+    if (Input.keyCode >= MENU_CODE_FIRST && Input.keyCode < MENU_CODE_END) {
+        Input.keyCode = 0;
+        return false;
+    }
+    if ((Input.left || Input.right) && HandlePress(!leftBefore && !rightBefore)) {
+        return false;
+    }
+    if (Held(Mode.tracking, Input.left, Input.right) && CursorTrack(Input.x, Input.y)) {
+        PanesCursorMoved();
+    }
+    if (Mode.wait == 32) {
+        return Input.keyCode == 32;
+    }
+    if (Mode.wait != 1 && Mode.wait != 2) {
+        return false;
+    }
+    const bool come = Mode.wait == 1 ? Input.left || leftBefore : Input.right || rightBefore;
+    if (come) {
+        WaitRelease();
+    }
+    return come;
+}
+
+bool CallHandler(std::int32_t handler, std::initializer_list<std::int32_t> arguments) {
+    if (handler < 0) {
+        return false;
+    }
+    DataCell* mark = StackTop();
+    for (const std::int32_t argument : arguments) {
+        StackPushInt(argument);
+    }
+    const bool result = CallFunction(handler, static_cast<std::int32_t>(arguments.size()), mark + 1) == RESULT &&
+                        (mark[1].type & TYPE_FLAG) != 0 && mark[1].integer != 0;
+    StackRelease(mark);
+    return result;
+}
+
+bool DispatchKey() {
+    std::int32_t code = Input.keyCode;
+    std::int32_t handler = -1;
+    if ((code & KEY_SPECIAL) != 0) {
+        Check((code & 0xFF) < static_cast<std::int32_t>(std::size(Handlers.special)),
+              "( KeyCode & 0xff ) < (KEY_FUNC_END - KEY_FUNC_START)");
+        handler = Handlers.special[code & 0xFF];
+    } else {
+        code &= 127;
+        handler = Handlers.character[code];
+    }
+    if (handler < 0) {
+        return false;
+    }
+    CallHandler(handler, {code, Input.shift});
+    return true;
+}
+
+}  // namespace quelmark

@@ -1,0 +1,72 @@
+// Input as scripts see it: the current state, the wait step through which every script wait passes, key codes and the tables of
+// script handlers.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+
+#include "host/WINDOW.h"
+
+namespace quelmark {
+
+// The state that the last wait step left.
+struct CurrentInput {
+    std::int32_t x = 0, y = 0;
+    bool left = false, right = false;
+    bool moved = false;  // the pointer is elsewhere than in the step before
+    std::int32_t keyCode = 0;
+    std::int32_t shift = 0;
+    std::int32_t wheel = 0;
+};
+extern CurrentInput Input;
+
+inline constexpr std::int32_t KEY_SPECIAL = 0x8000;
+inline constexpr std::int32_t KEY_DELETE = 0x8013;
+inline constexpr std::int32_t MENU_CODE_FIRST = 0x7000;
+inline constexpr std::int32_t MENU_CODE_END = 0x7C00;
+inline constexpr std::int32_t SHIFT_KEY = 1;
+inline constexpr std::int32_t CTRL_KEY = 2;
+
+struct KeyName {
+    const char* name;
+    std::int32_t code;
+};
+// The constants of scripts for keys and switches, in their order.
+std::span<const KeyName> KeyNames();
+
+// Script handlers, function ids or -1. A number of special keys one too large falls on the input handler: scripts may rely on it.
+struct InputHandlers {
+    std::int32_t character[128];
+    std::int32_t special[46];
+    std::int32_t input;
+    std::int32_t press;
+    std::int32_t wheel;
+};
+extern InputHandlers Handlers;
+void HandlersReset();
+// Binds a special key by number; 46 sets the input handler, other numbers outside 0 to 45 do nothing.
+void BindSpecialKey(std::int32_t number, std::int32_t handler);
+
+// What `InputMode` sets.
+struct WaitMode {
+    std::int32_t wait = 1;      // 1 left button, 2 right button, 32 the space key
+    std::int32_t tracking = 2;  // buttons that make the 3-D cursor follow: 1 left, 2 right
+};
+extern WaitMode Mode;
+
+// Set by Quit, by the window's close and when input ends; the event loop and every wait leave.
+extern bool QuitFlag;
+
+// Lets the window deliver messages until a key, a button change, a drag or a wheel turn comes; takes it as the current state.
+void WaitStep();
+// Waits until both buttons are up.
+void WaitRelease();
+// One input step: panes first, then the state for the script. True when what `Mode` waits for has come.
+bool InputStep();
+// Calls the handler of the current key; false when it has none.
+bool DispatchKey();
+// Calls a handler with Int arguments and drops its result; what it returned as a truth, false for none.
+bool CallHandler(std::int32_t handler, std::initializer_list<std::int32_t> arguments);
+
+}  // namespace quelmark

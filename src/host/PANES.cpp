@@ -1,0 +1,308 @@
+#include "host/PANES.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "ML/ERROR.h"
+#include "MODEL/ATR.h"
+#include "MODEL/OBJ.h"
+#include "MODEL/POLY.h"
+#include "host/HOST.h"
+#include "host/INPUT.h"
+#include "text/sjis.h"
+#include "view/OVERLAY.h"
+
+namespace quelmark {
+
+PaneHandlers PaneEvents;
+
+namespace {
+
+constexpr std::int32_t LIST_CHARACTERS = 9;
+constexpr std::int32_t TEXT_CHARACTERS = 8;
+constexpr std::int32_t MARGIN = 7;
+constexpr std::int32_t STATUS_MARGIN = 6;
+constexpr std::int32_t FIELD_GAP = 5;
+constexpr std::size_t STATUS_BYTES = 255;
+constexpr std::size_t MESSAGE_LINES = 10;
+constexpr std::uint32_t SCROLL_INTERVAL = 200;
+constexpr std::int32_t OBJECT_ROWS = 6;
+
+// Rows counted from the bottom of the panel.
+constexpr std::int32_t COORDINATES_UP = 5;
+constexpr std::int32_t OBJECTS_TOP_UP = 13;    // heading
+constexpr std::int32_t OBJECTS_BOTTOM_UP = 6;  // scroll mark
+constexpr std::int32_t ATTRIBUTES_MARK_UP = 15;
+constexpr std::int32_t ATTRIBUTES_LAST_UP = 16;
+constexpr std::int32_t ATTRIBUTES_FIRST = 2;
+
+std::array<StatusField, STATUS_FIELDS> fields;
+std::vector<std::string> messageLines;
+std::int32_t attributeTop = 0, objectTop = 0;  // first entry shown
+std::int32_t attributeSeen = -1, objectSeen = -1;  // current entries when the lists were last scrolled to them
+std::uint32_t attributeRevision = 0, objectRevision = 0;
+
+std::int32_t Rows() { return HostWindow().ClientHeight() / std::max(HostWindow().LineHeight(), 1); }
+std::int32_t ListWidth() { return LIST_CHARACTERS * HostWindow().CharacterWidth() + MARGIN; }
+std::int32_t StatusHeight() { return HostWindow().LineHeight() + STATUS_MARGIN; }
+std::int32_t AttributeRows() { return std::max(Rows() - ATTRIBUTES_LAST_UP - ATTRIBUTES_FIRST + 1, 0); }
+
+std::string ListName(const char* name) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%-10s", name);
+    return text;
+}
+
+std::string Coordinate(const char* format, std::int32_t value) {
+    char text[32];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
+
+void AddAttributeRows(std::vector<PaneRow>& rows) {
+    rows.push_back({0, "ｱﾄﾘﾋﾞｭｰﾄ"_sjis, false, true});
+    rows.push_back({1, attributeTop > 0 ? "   ▲"_sjis : "", false, true});
+    for (std::int32_t i = 0; i < AttributeRows(); ++i) {
+        const std::int32_t n = attributeTop + i;
+        if (n <= AttrLast && n < AttributeCount && AttrTable[n].used != 0) {
+            rows.push_back({ATTRIBUTES_FIRST + i, ListName(AttrTable[n].name), n == AttrCurrent, false});
+        }
+    }
+    const bool more = attributeTop + AttributeRows() <= AttrLast;
+    rows.push_back({Rows() - ATTRIBUTES_MARK_UP, more ? "   ▼"_sjis : "", false, true});
+}
+
+void AddObjectRows(std::vector<PaneRow>& rows) {
+    const std::int32_t first = Rows() - OBJECTS_TOP_UP;
+    rows.push_back({first, objectTop > 0 ? "ｵﾌﾞｼﾞｪ▲"_sjis : "ｵﾌﾞｼﾞｪｸﾄ"_sjis, false, true});
+    for (std::int32_t i = 0; i < OBJECT_ROWS; ++i) {
+        const std::int32_t n = objectTop + i;
+        if (n <= ObjLast && n < ObjectTableSize && ObjTable[n].used != 0) {
+            rows.push_back({first + 1 + i, ListName(ObjTable[n].name), n == ObjCurrent, false});
+        }
+    }
+    const bool more = objectTop + OBJECT_ROWS <= ObjLast;
+    rows.push_back({Rows() - OBJECTS_BOTTOM_UP, more ? "   ▼"_sjis : "", false, true});
+}
+
+// Scrolls a list by one entry at once and again every 200 ms while a button is held.
+void ScrollWhileHeld(std::int32_t& top, std::int32_t by, std::int32_t last, std::int32_t visible) {
+    std::uint32_t next = HostWindow().Milliseconds();
+    while ((Input.left || Input.right) && !QuitFlag) {
+        if (static_cast<std::int32_t>(HostWindow().Milliseconds() - next) >= 0) {
+            top = std::clamp(top + by, 0, std::max(last + 1 - visible, 0));
+            HostWindow().Invalidate(Pane::List);
+            next += SCROLL_INTERVAL;
+        }
+        HostDeliverHeld();
+    }
+}
+
+void PressAttributes(std::int32_t row) {
+    if (row == 1 || row >= Rows() - ATTRIBUTES_MARK_UP) {
+        return ScrollWhileHeld(attributeTop, row == 1 ? -1 : 1, AttrLast, AttributeRows());
+    }
+    WaitRelease();
+    const std::int32_t n = attributeTop + row - ATTRIBUTES_FIRST;
+    if (n > AttrLast || n >= AttributeCount || AttrTable[n].used == 0) {
+        return;
+    }
+    if (PaneEvents.attribute >= 0) {
+        CallHandler(PaneEvents.attribute, {n});
+    } else {
+        AttrCurrent = n;
+    }
+    ++AttrRevision;
+}
+
+void PressObjects(std::int32_t row) {
+    const std::int32_t first = Rows() - OBJECTS_TOP_UP;
+    if (row == first || row == Rows() - OBJECTS_BOTTOM_UP) {
+        return ScrollWhileHeld(objectTop, row == first ? -1 : 1, ObjLast, OBJECT_ROWS);
+    }
+    WaitRelease();
+    std::int32_t n = objectTop + row - first - 1;
+    if (n > ObjLast || n >= ObjectTableSize || ObjTable[n].used == 0) {
+        n = -1;  // below the last object
+    }
+    if (PaneEvents.object >= 0) {
+        CallHandler(PaneEvents.object, {n});
+    } else if (n >= 0) {
+        ObjCurrent = n;
+    }
+    ++ObjRevision;
+}
+
+void PressList(std::int32_t y) {
+    const std::int32_t row = y / std::max(HostWindow().LineHeight(), 1);
+    if (row >= Rows() - COORDINATES_UP) {
+        WaitRelease();
+        CallHandler(PaneEvents.control, {row - (Rows() - COORDINATES_UP)});
+    } else if (row >= Rows() - OBJECTS_TOP_UP) {
+        PressObjects(row);
+    } else if (row >= 1) {
+        PressAttributes(row);
+    } else {
+        WaitRelease();
+    }
+}
+
+// A list scrolls to its current entry only when that has changed.
+void FollowCurrent(std::int32_t current, std::int32_t& seen, std::int32_t& top, std::int32_t visible) {
+    if (current == seen || visible < 1) {
+        return;
+    }
+    seen = current;
+    top = std::clamp(top, std::max(current - visible + 1, 0), std::max(current, 0));
+}
+
+}  // namespace
+
+PixelRect ViewsRect() {
+    return {0, 0, std::max(HostWindow().ClientWidth() - ListWidth(), 0), HostWindow().ClientHeight()};
+}
+
+PixelRect ListRect() {
+    const std::int32_t width = HostWindow().ClientWidth();
+    return {std::max(width - ListWidth(), 0), 0, width, std::max(HostWindow().ClientHeight() - StatusHeight(), 0)};
+}
+
+PixelRect StatusRect() {
+    const std::int32_t height = HostWindow().ClientHeight();
+    return {0, std::max(height - StatusHeight(), 0), HostWindow().ClientWidth(), height};
+}
+
+PixelRect MessageRect() {
+    const PixelRect status = StatusRect();
+    if (messageLines.empty()) {
+        return {0, status.top, 0, status.top};
+    }
+    const auto rows = static_cast<std::int32_t>(messageLines.size()) + 1;
+    return {0, std::max(status.top - rows * HostWindow().LineHeight(), 0), ViewsRect().right, status.top};
+}
+
+std::int32_t ListTextLeft() {
+    return HostWindow().ClientWidth() - TEXT_CHARACTERS * HostWindow().CharacterWidth() - MARGIN;
+}
+
+PixelRect StatusFieldRect(std::int32_t field) {
+    const PixelRect bar = StatusRect();
+    const std::int32_t cw = HostWindow().CharacterWidth();
+    std::int32_t right = bar.right - 1;
+    for (std::int32_t i = STATUS_FIELDS - 1; i >= 1; --i) {
+        const std::int32_t width = fields[static_cast<std::size_t>(i)].width;
+        if (width <= 0) {
+            if (i == field) {
+                return {0, 0, 0, 0};
+            }
+            continue;
+        }
+        const std::int32_t left = right - width * cw - 2;
+        if (i == field) {
+            return {left, bar.top + 2, right, bar.bottom - 1};
+        }
+        right = left - FIELD_GAP;
+    }
+    return {cw, bar.top + 2, right, bar.bottom - 1};
+}
+
+std::vector<PaneRow> ListRows() {
+    std::vector<PaneRow> rows;
+    AddAttributeRows(rows);
+    AddObjectRows(rows);
+    const ModelPoint cursor = CursorPosition();
+    const std::int32_t first = Rows() - COORDINATES_UP;
+    rows.push_back({first, Coordinate("X:%6d", cursor.x), false, false});
+    rows.push_back({first + 1, Coordinate("Y:%6d", cursor.y), false, false});
+    rows.push_back({first + 2, Coordinate("Z:%6d", cursor.z), false, false});
+    return rows;
+}
+
+const std::array<StatusField, STATUS_FIELDS>& StatusFields() { return fields; }
+const std::vector<std::string>& MessageLines() { return messageLines; }
+
+void PanesReset() {
+    fields = {};
+    messageLines.clear();
+    attributeTop = objectTop = 0;
+    attributeSeen = objectSeen = -1;
+    PaneEvents = PaneHandlers{};
+}
+
+void StatusSet(std::int32_t field, std::string_view text) {
+    if (0 <= field && field < STATUS_FIELDS) {
+        fields[static_cast<std::size_t>(field)].text = text.substr(0, STATUS_BYTES);
+        HostWindow().Invalidate(Pane::Status);
+    }
+}
+
+void StatusSetWidth(std::int32_t field, std::int32_t width) {
+    constexpr std::int32_t WIDTH_MOST = 1000;
+    if (0 <= field && field < STATUS_FIELDS) {
+        fields[static_cast<std::size_t>(field)].width = std::clamp(width, 0, WIDTH_MOST);
+    }
+    HostWindow().Invalidate(Pane::Status);
+}
+
+namespace {
+
+void LogAndAppend(std::string_view text) {
+    std::string line(text);
+    line += '\n';
+    OutputLog(line);
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        messageLines.emplace_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    HostWindow().Invalidate(Pane::Message);
+}
+
+}  // namespace
+
+void MessageShow(std::string_view text) {
+    MessageHide();
+    LogAndAppend(text);
+}
+
+void MessageAdd(std::string_view text) {
+    HostWindow().Invalidate(Pane::Message);
+    LogAndAppend(text);
+    if (messageLines.size() > MESSAGE_LINES) {
+        messageLines.erase(messageLines.begin(), messageLines.end() - MESSAGE_LINES);
+    }
+}
+
+void MessageHide() {
+    if (!messageLines.empty()) {
+        HostWindow().Invalidate(Pane::Message);
+        messageLines.clear();
+    }
+}
+
+void PanesRefresh() {
+    if (attributeRevision == AttrRevision && objectRevision == ObjRevision) {
+        return;
+    }
+    attributeRevision = AttrRevision;
+    objectRevision = ObjRevision;
+    FollowCurrent(AttrCurrent, attributeSeen, attributeTop, AttributeRows());
+    FollowCurrent(ObjCurrent, objectSeen, objectTop, OBJECT_ROWS);
+    HostWindow().Invalidate(Pane::List);
+}
+
+void PanesCursorMoved() { HostWindow().Invalidate(Pane::List); }
+
+bool PanePress(std::int32_t x, std::int32_t y) {
+    if (y >= StatusRect().top) {
+        WaitRelease();
+        return true;
+    }
+    if (x >= ListRect().left) {
+        PressList(y);
+        return true;
+    }
+    return false;
+}
+
+}  // namespace quelmark

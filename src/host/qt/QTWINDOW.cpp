@@ -1,0 +1,337 @@
+#include "host/qt/QTWINDOW.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QInputMethodEvent>
+#include <QPainter>
+#include <QTimer>
+#include <algorithm>
+#include <cstring>
+
+#include "host/HOST.h"
+#include "host/PANES.h"
+#include "host/qt/KEYTABLE.h"
+#include "text/cp932.h"
+#include "view/VIEW.h"
+
+namespace quelmark {
+namespace {
+
+constexpr int FONT_PIXELS = 16;
+constexpr int WHEEL_TURN = 120;
+constexpr std::size_t KEYS_MOST = 64;  // typed ahead
+constexpr std::uint8_t PULSE_ENTRY = 14;
+constexpr std::uint8_t FRAME_COLOUR = 13;
+
+// A fixed-pitch font in which a half-width character is half a full-width one.
+QFont JapaneseFont() {
+    const QStringList wanted = {"IPAGothic", "IPA Gothic", "IPAゴシック", "VL Gothic", "Noto Sans Mono CJK JP"};
+    const QStringList families = QFontDatabase::families();
+    QFont font;
+    const auto found = std::ranges::find_if(wanted, [&](const QString& name) { return families.contains(name); });
+    font.setFamily(found != wanted.end() ? *found : QStringLiteral("monospace"));
+    font.setStyleHint(QFont::Monospace);
+    font.setFixedPitch(true);
+    font.setPixelSize(FONT_PIXELS);
+    return font;
+}
+
+QString ToText(std::string_view cp932) {
+    const std::string utf8 = Cp932ToUtf8(cp932);
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+QRect ToRect(const PixelRect& rect) { return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top}; }
+
+QElapsedTimer& Clock() {
+    static QElapsedTimer clock;
+    return clock;
+}
+
+}  // namespace
+
+QtWindow::QtWindow() {
+    Clock().start();
+    setFont(JapaneseFont());
+    const QFontMetrics metrics(font());
+    characterWidth_ = metrics.horizontalAdvance(QLatin1Char('0'));
+    lineHeight_ = std::max(metrics.height(), 1);
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    setMinimumSize(1, 1);
+    resize(1024, 768);
+    setWindowTitle(QStringLiteral("Quelmark"));
+}
+
+// ---- messages and input ----
+
+void QtWindow::Deliver(std::int32_t milliseconds) {
+    if (milliseconds <= 0 || !keys_.empty()) {
+        QCoreApplication::processEvents();
+        return;
+    }
+    QTimer timer;
+    timer.setSingleShot(true);
+    timer.start(milliseconds);
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+InputState QtWindow::TakeInput() {
+    InputState taken = state_;
+    if (!keys_.empty()) {
+        taken.keyCode = keys_.front().code;
+        taken.shift = keys_.front().shift;
+        keys_.pop_front();
+    }
+    state_.wheel = 0;
+    state_.closeRequested = false;
+    return taken;
+}
+
+bool QtWindow::TakeBreakKey() {
+    QCoreApplication::processEvents();
+    const auto found = std::ranges::find_if(
+        keys_, [](const PendingKey& key) { return key.code == 0x8013 && key.shift == 3; });
+    if (found == keys_.end()) {
+        return false;
+    }
+    keys_.clear();
+    return true;
+}
+
+std::uint32_t QtWindow::Milliseconds() { return static_cast<std::uint32_t>(Clock().elapsed()); }
+
+bool QtWindow::event(QEvent* event) {
+    // Tab is a key like any other here.
+    if (event->type() == QEvent::KeyPress) {
+        keyPressEvent(static_cast<QKeyEvent*>(event));
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+void QtWindow::TakeShift(Qt::KeyboardModifiers modifiers) {
+    state_.shift = ((modifiers & Qt::ShiftModifier) != 0 ? 1 : 0) | ((modifiers & Qt::ControlModifier) != 0 ? 2 : 0);
+}
+
+// A character that follows its own key press in the same event is dropped by the caller; keys typed ahead wait in order.
+void QtWindow::PutKey(std::int32_t code, bool) {
+    if (code != 0 && keys_.size() < KEYS_MOST) {
+        keys_.push_back({code, state_.shift});
+    }
+}
+
+void QtWindow::keyPressEvent(QKeyEvent* event) {
+    Qt::KeyboardModifiers modifiers = event->modifiers();
+    modifiers |= event->key() == Qt::Key_Shift ? Qt::ShiftModifier : Qt::NoModifier;
+    modifiers |= event->key() == Qt::Key_Control ? Qt::ControlModifier : Qt::NoModifier;
+    TakeShift(modifiers);
+    if (const std::int32_t code = KeyCodeOf(*event)) {
+        return PutKey(code, true);
+    }
+    const auto text = Utf8ToCp932(event->text().toStdString());
+    for (const char byte : text.value_or("")) {
+        PutKey(static_cast<unsigned char>(byte), false);
+    }
+}
+
+void QtWindow::keyReleaseEvent(QKeyEvent* event) {
+    Qt::KeyboardModifiers modifiers = event->modifiers();
+    modifiers &= event->key() == Qt::Key_Shift ? ~Qt::KeyboardModifiers(Qt::ShiftModifier) : ~Qt::KeyboardModifiers();
+    modifiers &= event->key() == Qt::Key_Control ? ~Qt::KeyboardModifiers(Qt::ControlModifier) : ~Qt::KeyboardModifiers();
+    TakeShift(modifiers);
+}
+
+void QtWindow::inputMethodEvent(QInputMethodEvent* event) {
+    for (const char byte : Utf8ToCp932Lossy(event->commitString().toStdString())) {
+        PutKey(static_cast<unsigned char>(byte), false);
+    }
+    event->accept();
+}
+
+void QtWindow::TakeMouse(const QMouseEvent& event) {
+    state_.x = static_cast<std::int32_t>(event.position().x());
+    state_.y = static_cast<std::int32_t>(event.position().y());
+    state_.left = (event.buttons() & Qt::LeftButton) != 0;
+    state_.right = (event.buttons() & Qt::RightButton) != 0;
+    TakeShift(event.modifiers());
+}
+
+void QtWindow::mousePressEvent(QMouseEvent* event) { TakeMouse(*event); }
+void QtWindow::mouseReleaseEvent(QMouseEvent* event) { TakeMouse(*event); }
+void QtWindow::mouseMoveEvent(QMouseEvent* event) { TakeMouse(*event); }
+
+void QtWindow::wheelEvent(QWheelEvent* event) {
+    state_.x = static_cast<std::int32_t>(event->position().x());
+    state_.y = static_cast<std::int32_t>(event->position().y());
+    TakeShift(event->modifiers());
+    wheelRest_ += event->angleDelta().y();
+    state_.wheel += wheelRest_ / WHEEL_TURN;
+    wheelRest_ %= WHEEL_TURN;
+}
+
+void QtWindow::focusOutEvent(QFocusEvent*) {
+    state_.shift = 0;
+    state_.left = state_.right = false;
+}
+
+void QtWindow::closeEvent(QCloseEvent* event) {
+    state_.closeRequested = true;
+    event->ignore();  // the host closes the program
+}
+
+void QtWindow::resizeEvent(QResizeEvent*) {
+    if (hosted_) {
+        HostResized();
+    }
+    update();
+}
+
+// ---- what is shown ----
+
+QColor QtWindow::Entry(std::uint8_t index) const { return QColor::fromRgb(palette_[index & 15]); }
+
+void QtWindow::Invalidate(Pane pane) {
+    const PixelRect rect = pane == Pane::List ? ListRect() : pane == Pane::Status ? StatusRect() : MessageRect();
+    update(ToRect(rect));
+}
+
+void QtWindow::InvalidateFrame(const PixelRect& rect) {
+    stale_ += ToRect(rect);
+    update(ToRect(rect));
+}
+
+void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
+    const QRgb colour = qRgb(red, green, blue);
+    QRgb& entry = palette_[static_cast<std::size_t>(index & 15)];
+    if (entry == colour) {
+        return;
+    }
+    entry = colour;
+    if (index != PULSE_ENTRY) {
+        InvalidateFrame(ViewFrame.Bounds());
+        update();
+        return;
+    }
+    // The pulse: only rows that hold the entry change.
+    std::int32_t first = -1;
+    std::int32_t last = -1;
+    for (std::int32_t y = 0; y < ViewFrame.height; ++y) {
+        const std::uint8_t* row = ViewFrame.Row(y);
+        if (std::memchr(row, PULSE_ENTRY, static_cast<std::size_t>(ViewFrame.width)) != nullptr) {
+            first = first < 0 ? y : first;
+            last = y;
+        }
+    }
+    if (first >= 0) {
+        InvalidateFrame({0, first, ViewFrame.width, last + 1});
+    }
+}
+
+void QtWindow::SetTitle(std::string_view title) { setWindowTitle(ToText(title)); }
+
+void QtWindow::Beep() { QApplication::beep(); }
+
+// Palette indices to 32-bit pixels, in one pass.
+void QtWindow::ExpandFrame(const QRect& area) {
+    const QRect inside = area.intersected(QRect(0, 0, ViewFrame.width, ViewFrame.height));
+    for (int y = inside.top(); y <= inside.bottom(); ++y) {
+        const std::uint8_t* from = ViewFrame.Row(y);
+        auto* to = reinterpret_cast<QRgb*>(picture_.scanLine(y));
+        for (int x = inside.left(); x <= inside.right(); ++x) {
+            to[x] = palette_[from[x] & 15];
+        }
+    }
+}
+
+void QtWindow::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    if (!hosted_ || ViewFrame.width < 1) {
+        painter.fillRect(event->rect(), Qt::darkGray);
+        return;
+    }
+    if (picture_.width() != ViewFrame.width || picture_.height() != ViewFrame.height) {
+        picture_ = QImage(ViewFrame.width, ViewFrame.height, QImage::Format_RGB32);
+        stale_ = picture_.rect();
+    }
+    const QRegion wanted = stale_.intersected(event->region());
+    for (const QRect& rect : wanted) {
+        ExpandFrame(rect);
+    }
+    stale_ -= wanted;
+    for (const QRect& rect : event->region()) {
+        const QRect shown = rect.intersected(picture_.rect());
+        painter.drawImage(shown.topLeft(), picture_, shown);
+    }
+    PaintList(painter);
+    PaintStatus(painter);
+    PaintMessage(painter);
+}
+
+void QtWindow::PaintList(QPainter& painter) {
+    const QRect panel = ToRect(ListRect());
+    painter.fillRect(panel, Qt::black);
+    painter.fillRect(QRect(panel.left(), panel.top(), 1, panel.height()), Entry(PANE_HIGHLIGHT));
+    painter.setClipRect(panel);
+    const int left = ListTextLeft();
+    const int ascent = QFontMetrics(font()).ascent();
+    for (const PaneRow& row : ListRows()) {
+        const int top = row.row * lineHeight_;
+        if (row.current) {
+            painter.fillRect(QRect(panel.left() + 2, top, panel.width() - 2, lineHeight_), Entry(FRAME_COLOUR));
+        }
+        painter.setPen(Entry(row.heading ? PANE_HIGHLIGHT : PANE_TEXT));
+        painter.drawText(left, top + ascent, ToText(row.text).trimmed());
+    }
+    painter.setClipping(false);
+}
+
+void QtWindow::PaintStatus(QPainter& painter) {
+    const QRect bar = ToRect(StatusRect());
+    painter.fillRect(bar, Entry(PANE_HIGHLIGHT));
+    painter.fillRect(QRect(bar.left(), bar.top(), bar.width(), 1), Entry(PANE_TEXT));
+    const int ascent = QFontMetrics(font()).ascent();
+    for (std::int32_t field = 0; field < STATUS_FIELDS; ++field) {
+        const QRect place = ToRect(StatusFieldRect(field));
+        if (place.isEmpty()) {
+            continue;
+        }
+        if (field > 0) {
+            painter.setPen(Entry(FRAME_COLOUR));
+            painter.drawLine(place.topLeft(), place.topRight());
+            painter.drawLine(place.topLeft(), place.bottomLeft());
+            painter.setPen(Entry(PANE_TEXT));
+            painter.drawLine(place.bottomLeft(), place.bottomRight());
+            painter.drawLine(place.topRight(), place.bottomRight());
+        }
+        painter.setClipRect(place.adjusted(1, 0, -1, 0));
+        painter.setPen(Qt::black);
+        const std::string& text = StatusFields()[static_cast<std::size_t>(field)].text;
+        painter.drawText(place.left() + (field > 0 ? 2 : 0), place.top() + 1 + ascent, ToText(text));
+        painter.setClipping(false);
+    }
+}
+
+void QtWindow::PaintMessage(QPainter& painter) {
+    const QRect band = ToRect(MessageRect());
+    if (band.isEmpty()) {
+        return;
+    }
+    painter.fillRect(band, Entry(PANE_TEXT));
+    painter.fillRect(QRect(band.left(), band.top(), band.width(), 1), Qt::black);
+    painter.setClipRect(band);
+    painter.setPen(Qt::black);
+    const int ascent = QFontMetrics(font()).ascent();
+    int top = band.top() + lineHeight_ / 2;
+    for (const std::string& line : MessageLines()) {
+        painter.drawText(band.left() + characterWidth_, top + ascent, ToText(line));
+        top += lineHeight_;
+    }
+    painter.setClipping(false);
+}
+
+}  // namespace quelmark

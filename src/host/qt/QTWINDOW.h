@@ -1,0 +1,78 @@
+// The main window: shows the views' frame through the palette, paints the panes, reports input. Input is only recorded here; what
+// it means is decided when the wait step asks for it, so no script runs inside an event.
+#pragma once
+
+#include <QFont>
+#include <QImage>
+#include <QRegion>
+#include <QWidget>
+#include <array>
+#include <deque>
+
+#include "host/WINDOW.h"
+
+namespace quelmark {
+
+class QtWindow final : public QWidget, public Window {
+    Q_OBJECT
+
+  public:
+    QtWindow();
+
+    void Deliver(std::int32_t milliseconds) override;
+    InputState TakeInput() override;
+    bool TakeBreakKey() override;
+    std::uint32_t Milliseconds() override;
+    std::int32_t ClientWidth() const override { return width(); }
+    std::int32_t ClientHeight() const override { return height(); }
+    std::int32_t CharacterWidth() const override { return characterWidth_; }
+    std::int32_t LineHeight() const override { return lineHeight_; }
+    void Invalidate(Pane pane) override;
+    void InvalidateFrame(const PixelRect& rect) override;
+    void SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t green, std::uint8_t blue) override;
+    void SetTitle(std::string_view title) override;
+    void Beep() override;
+    std::uint64_t Handle() const override { return static_cast<std::uint64_t>(winId()); }
+
+    // From here on sizes are told to the host.
+    void StartHost() { hosted_ = true; }
+
+  protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    void TakeMouse(const QMouseEvent& event);
+    void TakeShift(Qt::KeyboardModifiers modifiers);
+    void PutKey(std::int32_t code, bool fromKey);
+    void ExpandFrame(const QRect& area);
+    void PaintList(QPainter& painter);
+    void PaintStatus(QPainter& painter);
+    void PaintMessage(QPainter& painter);
+    QColor Entry(std::uint8_t index) const;
+
+    struct PendingKey {
+        std::int32_t code;
+        std::int32_t shift;
+    };
+    InputState state_;
+    std::deque<PendingKey> keys_;
+    std::int32_t wheelRest_ = 0;  // eighths of a degree not yet a whole turn
+    std::array<QRgb, 16> palette_{};
+    QImage picture_;      // the frame in 32 bits
+    QRegion stale_;       // of the picture
+    std::int32_t characterWidth_ = 8, lineHeight_ = 16;
+    bool hosted_ = false;
+};
+
+}  // namespace quelmark

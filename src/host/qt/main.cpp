@@ -1,0 +1,37 @@
+// quelmark: the editor in a window.
+#include <QApplication>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "MODEL/MDLINIT.h"
+#include "host/HOST.h"
+#include "host/qt/QTWINDOW.h"
+
+namespace {
+
+bool HasDisplay() {
+    return std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr ||
+           std::getenv("QT_QPA_PLATFORM") != nullptr;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (!HasDisplay()) {
+        std::fprintf(stderr, "quelmark: there is no display to open a window on; use quelmarkc, which needs none\n");
+        return 1;
+    }
+    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    // The library sees no arguments: all of them belong to the scripts.
+    int libraryArguments = 1;
+    QApplication application(libraryArguments, argv);
+    std::setlocale(LC_NUMERIC, "C");  // the library has set the user's: numbers keep their decimal point
+    quelmark::QtWindow window;
+    window.show();
+    window.StartHost();
+    return quelmark::HostMain(window, QCoreApplication::applicationFilePath().toStdString(), arguments,
+                              quelmark::ModelLibrariesRegister);
+}
