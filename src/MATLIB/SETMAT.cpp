@@ -48,8 +48,8 @@ std::int32_t ToString(std::int32_t ident, std::int32_t argc, DataCell* argv) {
     for (const auto& row : MatrixOf(argv[0]).row) {
         for (const float element : row) {
             char buffer[64];
-            text.append(buffer, static_cast<std::size_t>(
-                                    FormatReal(buffer, sizeof buffer, " %10.4f", static_cast<double>(element))));
+            text.append(buffer, static_cast<std::size_t>(FormatReal(buffer, sizeof buffer, " %10.4f",
+                                                                    static_cast<double>(element))));
         }
         text += '\n';
     }
@@ -72,8 +72,7 @@ std::int32_t Exchange(std::int32_t, std::int32_t, DataCell* argv) {
 }
 
 std::int32_t Rotate(std::int32_t, std::int32_t, DataCell* argv) {
-    StackPushMatrix(
-        MatrixProduct(MatrixRotation(argv[1].integer, CellNumber(argv[2])), MatrixOf(argv[0])));
+    StackPushMatrix(MatrixProduct(MatrixRotation(argv[1].integer, CellNumber(argv[2])), MatrixOf(argv[0])));
     return RESULT;
 }
 
@@ -116,7 +115,9 @@ struct Point {
 Point Cross(const Point& a, const Point& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-double Length(const Point& a) { return std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z); }
+double Length(const Point& a) {
+    return std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
+}
 Point Unit(const Point& a) {
     const double length = Length(a);
     return length > 0 ? Point{a.x / length, a.y / length, a.z / length} : a;
@@ -129,7 +130,8 @@ Matrix RotationAbout(const Point& axis, double cosine, double sine) {
     Matrix matrix = UNIT_MATRIX;
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 3; ++j) {
-            matrix.row[i][j] = static_cast<float>((i == j ? cosine : 0) + (1 - cosine) * n[i] * n[j] + sine * skew[i][j]);
+            matrix.row[i][j] =
+                static_cast<float>((i == j ? cosine : 0) + (1 - cosine) * n[i] * n[j] + sine * skew[i][j]);
         }
     }
     return matrix;
@@ -137,7 +139,8 @@ Matrix RotationAbout(const Point& axis, double cosine, double sine) {
 
 // The rotation that carries direction a to direction b.
 Matrix RotationBetween(const Vector& from, const Vector& to) {
-    const Point a = Unit({static_cast<double>(from.x), static_cast<double>(from.y), static_cast<double>(from.z)});
+    const Point a =
+        Unit({static_cast<double>(from.x), static_cast<double>(from.y), static_cast<double>(from.z)});
     const Point b = Unit({static_cast<double>(to.x), static_cast<double>(to.y), static_cast<double>(to.z)});
     if (!(Length(a) > 0) || !(Length(b) > 0)) {
         return UNIT_MATRIX;
@@ -167,7 +170,9 @@ std::int32_t FromVectors(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
-Vector RowOf(const Matrix& matrix, int row) { return {matrix.row[row][0], matrix.row[row][1], matrix.row[row][2]}; }
+Vector RowOf(const Matrix& matrix, int row) {
+    return {matrix.row[row][0], matrix.row[row][1], matrix.row[row][2]};
+}
 
 std::int32_t GetVector(std::int32_t, std::int32_t, DataCell* argv) {
     const Matrix matrix = MatrixOf(argv[0]);
@@ -273,7 +278,9 @@ void MatrixRegister() {
     ConstRegister("AXISZ", IntCell(2));
 }
 
-bool IsMatrix(const DataCell& cell) { return IsInstance(cell, MatrixClass); }
+bool IsMatrix(const DataCell& cell) {
+    return IsInstance(cell, MatrixClass);
+}
 
 void StackPushMatrix(const Matrix& matrix) {
     ObjectBlock* block = ObjectAlloc(sizeof(Matrix), MatrixClass);
@@ -286,7 +293,8 @@ Matrix MatrixProduct(const Matrix& a, const Matrix& b) {
     for (int i = 0; i < 4; ++i) {
         const float x = a.row[i][0], y = a.row[i][1], z = a.row[i][2];
         for (int j = 0; j < 3; ++j) {
-            product.row[i][j] = x * b.row[0][j] + y * b.row[1][j] + z * b.row[2][j] + (i == 3 ? b.row[3][j] : 0.0F);
+            product.row[i][j] =
+                x * b.row[0][j] + y * b.row[1][j] + z * b.row[2][j] + (i == 3 ? b.row[3][j] : 0.0F);
         }
     }
     return product;
@@ -297,7 +305,8 @@ Matrix MatrixInverse(const Matrix& m) {
         const int i1 = (i + 1) % 3, i2 = (i + 2) % 3, j1 = (j + 1) % 3, j2 = (j + 2) % 3;
         return m.row[i1][j1] * m.row[i2][j2] - m.row[i1][j2] * m.row[i2][j1];
     };
-    const float determinant = m.row[0][0] * cofactor(0, 0) + m.row[0][1] * cofactor(0, 1) + m.row[0][2] * cofactor(0, 2);
+    const float determinant =
+        m.row[0][0] * cofactor(0, 0) + m.row[0][1] * cofactor(0, 1) + m.row[0][2] * cofactor(0, 2);
     if (std::fabs(static_cast<double>(determinant)) <= SINGULAR) {
         return m;
     }

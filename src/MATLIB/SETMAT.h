@@ -1,5 +1,5 @@
-// The script class Matrix: an affine transform. Points are row vectors, p' = p × M: rows 0 to 2 are the images
-// of the axes, row 3 is the translation.
+// The script class Matrix: an affine transform. Points are row vectors, p' = p × M: rows 0 to 2 are the
+// images of the axes, row 3 is the translation.
 #pragma once
 
 #include "MATLIB/SETVEC.h"

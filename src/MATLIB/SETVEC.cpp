@@ -114,7 +114,8 @@ std::int32_t Multiply(std::int32_t, std::int32_t, DataCell* argv) {
 
 std::int32_t AddOrSubtract(std::int32_t code, std::int32_t, DataCell* argv) {
     if (!IsVector(argv[1])) {
-        RuntimeError("%s", code == OP_ADD ? "型が不正です。（演算子+）"_sjis : "型が不正です。（演算子-）"_sjis);
+        RuntimeError("%s",
+                     code == OP_ADD ? "型が不正です。（演算子+）"_sjis : "型が不正です。（演算子-）"_sjis);
     }
     const Vector& a = VectorOf(argv[0]);
     const Vector& b = VectorOf(argv[1]);
@@ -169,7 +170,9 @@ void MatrixLibraryRegister() {
     RegisterOperators(OPERATORS);
 }
 
-bool IsVector(const DataCell& cell) { return IsInstance(cell, VectorClass); }
+bool IsVector(const DataCell& cell) {
+    return IsInstance(cell, VectorClass);
+}
 
 void StackPushVector(const Vector& vector) {
     ObjectBlock* block = ObjectAlloc(sizeof(Vector), VectorClass);

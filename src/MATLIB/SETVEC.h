@@ -17,8 +17,8 @@ void MatrixLibraryRegister();
 bool IsVector(const DataCell& cell);
 // Pushes a new Vector.
 void StackPushVector(const Vector& vector);
-// Reads a three-component argument at argv[0]: three numbers, a Vector, or an array of at least three numbers.
-// The number of arguments it took (3 or 1), or 0 when there is none; `result` is then untouched.
+// Reads a three-component argument at argv[0]: three numbers, a Vector, or an array of at least three
+// numbers. The number of arguments it took (3 or 1), or 0 when there is none; `result` is then untouched.
 int ReadThreeComponents(std::int32_t argc, const DataCell* argv, Vector& result);
 
 }  // namespace quelmark

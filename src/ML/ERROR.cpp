@@ -12,7 +12,9 @@ namespace {
 
 constexpr std::size_t MESSAGE_ROOM = 1024;
 
-void WriteToStandardOutput(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+void WriteToStandardOutput(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
 
 ErrorHook errorHook = nullptr;
 WarningHook warningHook = nullptr;
@@ -26,15 +28,18 @@ OutputSink traceSink = nullptr;
 }
 
 // Formats behind the position "file:line:  " (none when the file is empty) and the kind of error.
-[[noreturn]] void Report(SourcePosition position, const char* kind, const char* format, std::va_list arguments) {
+[[noreturn]] void Report(SourcePosition position, const char* kind, const char* format,
+                         std::va_list arguments) {
     char message[MESSAGE_ROOM];
     int length = 0;
     if (position.file != nullptr && position.file[0] != '\0') {
-        length = std::snprintf(message, sizeof message / 2, "%s:%d:  %s ", position.file, position.line, kind);
+        length =
+            std::snprintf(message, sizeof message / 2, "%s:%d:  %s ", position.file, position.line, kind);
     } else {
         length = std::snprintf(message, sizeof message, "%s ", kind);
     }
-    length = length < static_cast<int>(sizeof message / 2) ? length : static_cast<int>(sizeof message / 2) - 1;
+    length =
+        length < static_cast<int>(sizeof message / 2) ? length : static_cast<int>(sizeof message / 2) - 1;
     std::vsnprintf(message + length, sizeof message - static_cast<std::size_t>(length), format, arguments);
     if (errorHook != nullptr) {
         errorHook(message);
@@ -75,8 +80,8 @@ void RuntimeError(const char* format, ...) {
 }
 
 void CheckFailed(const char* condition, std::source_location where) {
-    RuntimeError("Internal check \"%s\" failed (%s, line %u)", condition, ModuleName(where.file_name()).c_str(),
-                 static_cast<unsigned>(where.line()));
+    RuntimeError("Internal check \"%s\" failed (%s, line %u)", condition,
+                 ModuleName(where.file_name()).c_str(), static_cast<unsigned>(where.line()));
 }
 
 int Warning(std::string_view message) {
@@ -99,7 +104,9 @@ void SetErrorHandlers(ErrorHook onError, WarningHook onWarning) {
     warningHook = onWarning;
 }
 
-void SetOutputSink(OutputSink sink) { outputSink = sink; }
+void SetOutputSink(OutputSink sink) {
+    outputSink = sink;
+}
 
 void OutputLog(std::string_view text) {
     if (outputSink != nullptr) {
@@ -109,7 +116,9 @@ void OutputLog(std::string_view text) {
     }
 }
 
-void SetTraceSink(OutputSink sink) { traceSink = sink; }
+void SetTraceSink(OutputSink sink) {
+    traceSink = sink;
+}
 
 void TraceLog(std::string_view text) {
     if (traceSink != nullptr) {

@@ -40,13 +40,16 @@ void CloseStream(ObjectBlock* block) {
     }
 }
 
-std::string_view PathText(const DataCell& cell) { return IsString(cell) ? StringText(cell) : std::string_view(); }
+std::string_view PathText(const DataCell& cell) {
+    return IsString(cell) ? StringText(cell) : std::string_view();
+}
 
 // ---- paths ----
 
 std::string ToBackslashes(std::string_view path) {
     std::string text(path);
-    for (std::size_t at = FindFirstOf(text, "/"); at != std::string::npos; at = FindFirstOf(text, "/", at + 1)) {
+    for (std::size_t at = FindFirstOf(text, "/"); at != std::string::npos;
+         at = FindFirstOf(text, "/", at + 1)) {
         text[at] = '\\';
     }
     return text;
@@ -63,7 +66,8 @@ void AppendComponents(std::string& result, std::string_view path) {
         const std::string_view component = path.substr(0, separator);
         path.remove_prefix(separator + 1);
         if (component == "..") {
-            const std::size_t previous = FindLastOf(std::string_view(result).substr(0, result.size() - 1), "\\");
+            const std::size_t previous =
+                FindLastOf(std::string_view(result).substr(0, result.size() - 1), "\\");
             if (previous != std::string::npos) {
                 result.resize(previous + 1);
             }

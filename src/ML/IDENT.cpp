@@ -30,10 +30,10 @@ namespace {
 
 // The place in the index of the first name not before `name`.
 std::vector<std::int32_t>::const_iterator Place(const IdentTable& table, std::string_view name) {
-    return std::lower_bound(table.index.begin(), table.index.end(), name,
-                            [&table](std::int32_t id, std::string_view wanted) {
-                                return std::string_view(table.slots[static_cast<std::size_t>(id)].name) < wanted;
-                            });
+    return std::lower_bound(
+        table.index.begin(), table.index.end(), name, [&table](std::int32_t id, std::string_view wanted) {
+            return std::string_view(table.slots[static_cast<std::size_t>(id)].name) < wanted;
+        });
 }
 
 const Slot& SlotOf(const IdentTable* table, std::int32_t id) {
@@ -43,7 +43,9 @@ const Slot& SlotOf(const IdentTable* table, std::int32_t id) {
 
 }  // namespace
 
-void IdentTableDelete::operator()(IdentTable* table) const { delete table; }
+void IdentTableDelete::operator()(IdentTable* table) const {
+    delete table;
+}
 
 IdentTablePtr IdentCreate(std::int32_t capacity, std::int32_t reserved) {
     IdentTablePtr table;
@@ -85,9 +87,13 @@ std::int32_t IdentFind(const IdentTable* table, std::string_view name) {
     return *place;
 }
 
-std::uint8_t IdentAttr(const IdentTable* table, std::int32_t id) { return SlotOf(table, id).attribute; }
+std::uint8_t IdentAttr(const IdentTable* table, std::int32_t id) {
+    return SlotOf(table, id).attribute;
+}
 
-const char* IdentName(const IdentTable* table, std::int32_t id) { return SlotOf(table, id).name; }
+const char* IdentName(const IdentTable* table, std::int32_t id) {
+    return SlotOf(table, id).name;
+}
 
 std::int32_t IdentCount(const IdentTable* table) {
     return table == nullptr ? 0 : static_cast<std::int32_t>(table->slots.size());

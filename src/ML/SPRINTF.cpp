@@ -83,7 +83,8 @@ void AppendPrinted(std::string& out, Print print) {
     out.append(buffer, static_cast<std::size_t>(std::clamp(length, 0, static_cast<int>(sizeof buffer) - 1)));
 }
 
-void AppendConverted(std::string& out, const Conversion& conversion, std::int32_t number, const DataCell* argument) {
+void AppendConverted(std::string& out, const Conversion& conversion, std::int32_t number,
+                     const DataCell* argument) {
     const std::string_view integers = "diuoxXc";
     const std::string_view reals = "eEfFgG";
     const std::string specification = Specification(conversion);

@@ -73,7 +73,9 @@ std::int32_t Call(std::int32_t, std::int32_t argc, DataCell* argv) {
     return CallFunction(argv[0].integer, argc - 1, argv + 1);
 }
 
-double Number(const DataCell& cell) { return CellNumber(cell); }
+double Number(const DataCell& cell) {
+    return CellNumber(cell);
+}
 
 template <double (*function)(double)>
 std::int32_t OfOneReal(std::int32_t, std::int32_t, DataCell* argv) {
@@ -130,6 +132,8 @@ constexpr BuiltIn FUNCTIONS[] = {
 
 }  // namespace
 
-void StandardRegister() { RegisterBuiltIns(FUNCTIONS); }
+void StandardRegister() {
+    RegisterBuiltIns(FUNCTIONS);
+}
 
 }  // namespace quelmark

@@ -14,7 +14,7 @@ std::int32_t AttrCurrent = 0;
 
 namespace {
 
-constexpr std::int16_t ONE = 4096;         // 1.0
+constexpr std::int16_t ONE = 4096;  // 1.0
 constexpr std::int16_t HALF = 2048;
 constexpr std::int16_t CODE_LEAST = 2457;  // a component above this sets its bit of the drawing colour
 
@@ -22,8 +22,8 @@ constexpr std::int16_t CODE_LEAST = 2457;  // a component above this sets its bi
 
 void AttrInit(std::int32_t count) {
     AttributeCount = count > 0 ? count : 0;
-    AttrTable = static_cast<AttributeRecord*>(
-        MemoryAlloc(static_cast<std::uint32_t>(static_cast<std::size_t>(AttributeCount + 1) * sizeof(AttributeRecord))));
+    AttrTable = static_cast<AttributeRecord*>(MemoryAlloc(
+        static_cast<std::uint32_t>(static_cast<std::size_t>(AttributeCount + 1) * sizeof(AttributeRecord))));
     AttrLast = 0;
     AttrCurrent = 0;
     ++AttrRevision;
@@ -59,7 +59,9 @@ std::int32_t AttrAlloc(std::string_view name) {
     return slot;
 }
 
-std::int32_t AttrFind(std::string_view name) { return TableFind(AttrTable, AttributeCount, AttrLast, name); }
+std::int32_t AttrFind(std::string_view name) {
+    return TableFind(AttrTable, AttributeCount, AttrLast, name);
+}
 
 std::int32_t AttrSearchOrAlloc(std::string_view name) {
     const std::int32_t found = AttrFind(name);
@@ -75,7 +77,8 @@ bool AttrDelete(std::int32_t attribute) {
 }
 
 std::uint16_t AttrCodeOfColour(const ColourTriple& colour) {
-    return static_cast<std::uint16_t>((colour.red > CODE_LEAST ? 2 : 0) | (colour.green > CODE_LEAST ? 4 : 0) |
+    return static_cast<std::uint16_t>((colour.red > CODE_LEAST ? 2 : 0) |
+                                      (colour.green > CODE_LEAST ? 4 : 0) |
                                       (colour.blue > CODE_LEAST ? 1 : 0));
 }
 

@@ -17,8 +17,12 @@ namespace {
 constexpr double FIXED_12 = 4096;
 constexpr double FIXED_16 = 65536;
 
-bool InTable(std::int32_t n) { return 0 <= n && n < AttributeCount; }
-bool InUse(std::int32_t n) { return InTable(n) && n <= AttrLast; }
+bool InTable(std::int32_t n) {
+    return 0 <= n && n < AttributeCount;
+}
+bool InUse(std::int32_t n) {
+    return InTable(n) && n <= AttrLast;
+}
 
 std::int32_t Current(std::int32_t, std::int32_t argc, DataCell* argv) {
     const std::int32_t previous = AttrCurrent;
@@ -77,7 +81,6 @@ std::int32_t Change(std::int32_t, std::int32_t, DataCell* argv) {
     }
     return NO_RESULT;
 }
-
 
 std::int32_t Name(std::int32_t, std::int32_t argc, DataCell* argv) {
     if (argc < 1 || argc > 2) {
@@ -145,9 +148,11 @@ struct ParameterRow {
     ColourTriple AttributeRecord::*field;
 };
 constexpr ParameterRow PARAMETERS[] = {
-    {"AttrCol", &AttributeRecord::col},   {"AttrAmb", &AttributeRecord::amb}, {"AttrDif", &AttributeRecord::dif},
-    {"AttrSpc", &AttributeRecord::spc},   {"AttrSize", &AttributeRecord::size}, {"AttrRef", &AttributeRecord::ref},
-    {"AttrTra", &AttributeRecord::tra},   {"AttrRfr", &AttributeRecord::rfr}, {"AttrAtt", &AttributeRecord::att},
+    {"AttrCol", &AttributeRecord::col},   {"AttrAmb", &AttributeRecord::amb},
+    {"AttrDif", &AttributeRecord::dif},   {"AttrSpc", &AttributeRecord::spc},
+    {"AttrSize", &AttributeRecord::size}, {"AttrRef", &AttributeRecord::ref},
+    {"AttrTra", &AttributeRecord::tra},   {"AttrRfr", &AttributeRecord::rfr},
+    {"AttrAtt", &AttributeRecord::att},
 };
 
 template <class Row, std::size_t N>
@@ -161,7 +166,8 @@ const Row& RowOfFunction(const Row (&rows)[N], std::int32_t ident) {
 }
 
 std::int16_t ToFixed12(float value) {
-    return static_cast<std::int16_t>(static_cast<std::uint16_t>(RealToInt(static_cast<double>(value) * FIXED_12)));
+    return static_cast<std::int16_t>(
+        static_cast<std::uint16_t>(RealToInt(static_cast<double>(value) * FIXED_12)));
 }
 
 std::int32_t Parameter(std::int32_t ident, std::int32_t argc, DataCell* argv) {
@@ -174,7 +180,8 @@ std::int32_t Parameter(std::int32_t ident, std::int32_t argc, DataCell* argv) {
     }
     ColourTriple& triple = AttrTable[argv[0].integer].*row.field;
     if (argc == 1) {
-        StackPushVector({static_cast<float>(triple.red / FIXED_12), static_cast<float>(triple.green / FIXED_12),
+        StackPushVector({static_cast<float>(triple.red / FIXED_12),
+                         static_cast<float>(triple.green / FIXED_12),
                          static_cast<float>(triple.blue / FIXED_12)});
         return RESULT;
     }
@@ -221,9 +228,12 @@ struct RectangleRow {
     bool sets;
 };
 constexpr RectangleRow RECTANGLES[] = {
-    {"GetAttrMapSize", &AttributeRecord::mapsize, false}, {"GetAttrMapView", &AttributeRecord::mapview, false},
-    {"GetAttrMapWind", &AttributeRecord::mapwind, false}, {"SetAttrMapSize", &AttributeRecord::mapsize, true},
-    {"SetAttrMapView", &AttributeRecord::mapview, true},  {"SetAttrMapWind", &AttributeRecord::mapwind, true},
+    {"GetAttrMapSize", &AttributeRecord::mapsize, false},
+    {"GetAttrMapView", &AttributeRecord::mapview, false},
+    {"GetAttrMapWind", &AttributeRecord::mapwind, false},
+    {"SetAttrMapSize", &AttributeRecord::mapsize, true},
+    {"SetAttrMapView", &AttributeRecord::mapview, true},
+    {"SetAttrMapWind", &AttributeRecord::mapwind, true},
 };
 
 std::int32_t MapView(std::int32_t ident, std::int32_t, DataCell* argv) {
@@ -253,8 +263,12 @@ std::int32_t MapView(std::int32_t ident, std::int32_t, DataCell* argv) {
     return NO_RESULT;
 }
 
-constexpr Signature ParameterSignature(const char* name) { return Takes(name, {TYPE_INT, TYPE_OBJECT}, 1); }
-constexpr Signature RectangleSignature() { return Takes("AttrMapView", {TYPE_INT, TYPE_ARRAY, TYPE_ARRAY}); }
+constexpr Signature ParameterSignature(const char* name) {
+    return Takes(name, {TYPE_INT, TYPE_OBJECT}, 1);
+}
+constexpr Signature RectangleSignature() {
+    return Takes("AttrMapView", {TYPE_INT, TYPE_ARRAY, TYPE_ARRAY});
+}
 
 constexpr BuiltIn FUNCTIONS[] = {
     {"", "AttrCurrent", Current, Takes("AttrCurrent", {TYPE_INT}, 0)},
@@ -288,6 +302,8 @@ constexpr BuiltIn FUNCTIONS[] = {
 
 }  // namespace
 
-void AttributeRegister() { RegisterBuiltIns(FUNCTIONS); }
+void AttributeRegister() {
+    RegisterBuiltIns(FUNCTIONS);
+}
 
 }  // namespace quelmark

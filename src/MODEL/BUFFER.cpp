@@ -21,16 +21,23 @@ struct Prefix {
     std::uint32_t size;
 };
 
-DataBuffer* BlockAt(char* address) { return reinterpret_cast<DataBuffer*>(address); }
-char* AddressOf(DataBuffer* block) { return reinterpret_cast<char*>(block); }
+DataBuffer* BlockAt(char* address) {
+    return reinterpret_cast<DataBuffer*>(address);
+}
+char* AddressOf(DataBuffer* block) {
+    return reinterpret_cast<char*>(block);
+}
 
 void CheckLive(DataBuffer* buf) {
     Check(buf->flag == FLAG_USE, "buf->flag == FLAG_USE");
-    Check(BufTop <= AddressOf(buf) && AddressOf(buf) < BufNext, "BufTop <= (char*)buf && (char*)buf < BufNext");
+    Check(BufTop <= AddressOf(buf) && AddressOf(buf) < BufNext,
+          "BufTop <= (char*)buf && (char*)buf < BufNext");
 }
 
 // One byte always stays unused.
-bool HasRoom(std::int32_t bytes) { return bytes < BufEnd - BufNext; }
+bool HasRoom(std::int32_t bytes) {
+    return bytes < BufEnd - BufNext;
+}
 
 }  // namespace
 
@@ -96,7 +103,8 @@ DataBuffer* BufferResize(DataBuffer* block, std::int32_t newSize) {
 
 void BufferDelete(DataBuffer* block) {
     Check(block->flag == FLAG_USE, "((DataBuffer*)buf)->flag == FLAG_USE");
-    Check(BufTop <= AddressOf(block) && AddressOf(block) < BufNext, "BufTop <= (char*)buf && (char*)buf < BufNext");
+    Check(BufTop <= AddressOf(block) && AddressOf(block) < BufNext,
+          "BufTop <= (char*)buf && (char*)buf < BufNext");
     block->flag = FLAG_NOUSE;
 }
 
@@ -123,7 +131,9 @@ void BufferCopy(DataBuffer* destination, const DataBuffer* source, std::int32_t 
     std::memcpy(destination + 1, source + 1, static_cast<std::size_t>(size) - sizeof(DataBuffer));
 }
 
-DataBuffer* BufferTop() { return BufTop != BufNext ? BlockAt(BufTop) : nullptr; }
+DataBuffer* BufferTop() {
+    return BufTop != BufNext ? BlockAt(BufTop) : nullptr;
+}
 
 DataBuffer* BufferNext(DataBuffer* block) {
     CheckLive(block);
@@ -150,7 +160,8 @@ void* MemoryAlloc(std::uint32_t size) {
 void MemoryFree(void* memory) {
     Prefix* prefix = static_cast<Prefix*>(memory) - 1;
     if (prefix->guard != GUARD) {
-        RuntimeError("Memory Block Error(%X)!!!", static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(prefix)));
+        RuntimeError("Memory Block Error(%X)!!!",
+                     static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(prefix)));
     }
     prefix->guard = 0;
     std::free(prefix);

@@ -1,7 +1,7 @@
-// The data buffer: one arena that holds every polygon as a packed sequence of blocks, each with a 4-byte header,
-// and the guarded allocator of the program's fixed tables.
-// Invariants: the sizes chain exactly from BufTop to BufNext; outside the span between a deletion and the
-// compaction that follows it every block is live; BufNext < BufEnd after every successful call.
+// The data buffer: one arena that holds every polygon as a packed sequence of blocks, each with a 4-byte
+// header, and the guarded allocator of the program's fixed tables. Invariants: the sizes chain exactly from
+// BufTop to BufNext; outside the span between a deletion and the compaction that follows it every block is
+// live; BufNext < BufEnd after every successful call.
 #pragma once
 
 #include <cstddef>

@@ -27,9 +27,13 @@ std::int32_t MouseButton(std::int32_t, std::int32_t, DataCell*) {
     return RESULT;
 }
 
-std::int32_t FlushKey(std::int32_t, std::int32_t, DataCell*) { return NO_RESULT; }
+std::int32_t FlushKey(std::int32_t, std::int32_t, DataCell*) {
+    return NO_RESULT;
+}
 
-[[noreturn]] void ReportKeyEvent() { RuntimeError("%s", "型が不正です。(KeyEvent)"_sjis); }
+[[noreturn]] void ReportKeyEvent() {
+    RuntimeError("%s", "型が不正です。(KeyEvent)"_sjis);
+}
 
 // Each character binds its code; "F" and digits bind a special key.
 void BindText(std::string_view text, std::int32_t handler) {

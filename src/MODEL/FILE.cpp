@@ -12,7 +12,9 @@ namespace {
 
 constexpr std::int32_t MODE_APPEND = 1;  // merge by name
 
-std::string_view NameOf(const DataCell& cell) { return IsString(cell) ? StringText(cell) : std::string_view(); }
+std::string_view NameOf(const DataCell& cell) {
+    return IsString(cell) ? StringText(cell) : std::string_view();
+}
 
 template <bool (*read)(std::string_view, std::int32_t)>
 std::int32_t Read(std::int32_t, std::int32_t argc, DataCell* argv) {
@@ -31,6 +33,8 @@ constexpr BuiltIn FUNCTIONS[] = {
 
 }  // namespace
 
-void FileLibraryRegister() { RegisterBuiltIns(FUNCTIONS); }
+void FileLibraryRegister() {
+    RegisterBuiltIns(FUNCTIONS);
+}
 
 }  // namespace quelmark

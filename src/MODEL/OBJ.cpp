@@ -14,8 +14,8 @@ std::int32_t ObjCurrent = 0;
 
 void ObjInit(std::int32_t count) {
     ObjectTableSize = count > 0 ? count : 0;
-    ObjTable = static_cast<ObjectRecord*>(
-        MemoryAlloc(static_cast<std::uint32_t>(static_cast<std::size_t>(ObjectTableSize + 1) * sizeof(ObjectRecord))));
+    ObjTable = static_cast<ObjectRecord*>(MemoryAlloc(
+        static_cast<std::uint32_t>(static_cast<std::size_t>(ObjectTableSize + 1) * sizeof(ObjectRecord))));
     ObjLast = 0;
     ObjCurrent = 0;
     ++ObjRevision;
@@ -43,7 +43,9 @@ std::int32_t ObjAlloc(std::string_view name) {
     return slot;
 }
 
-std::int32_t ObjFind(std::string_view name) { return TableFind(ObjTable, ObjectTableSize, ObjLast, name); }
+std::int32_t ObjFind(std::string_view name) {
+    return TableFind(ObjTable, ObjectTableSize, ObjLast, name);
+}
 
 std::int32_t ObjSearchOrAlloc(std::string_view name) {
     const std::int32_t found = ObjFind(name);

@@ -9,7 +9,9 @@
 namespace quelmark {
 namespace {
 
-bool InTable(std::int32_t n) { return 0 <= n && n < ObjectTableSize; }
+bool InTable(std::int32_t n) {
+    return 0 <= n && n < ObjectTableSize;
+}
 
 std::int32_t Current(std::int32_t, std::int32_t argc, DataCell* argv) {
     const std::int32_t previous = ObjCurrent;
@@ -30,7 +32,9 @@ std::int32_t Count(std::int32_t, std::int32_t, DataCell*) {
     return RESULT;
 }
 
-std::string_view TextOf(const DataCell& cell) { return IsString(cell) ? StringText(cell) : std::string_view(); }
+std::string_view TextOf(const DataCell& cell) {
+    return IsString(cell) ? StringText(cell) : std::string_view();
+}
 
 std::int32_t Append(std::int32_t, std::int32_t, DataCell* argv) {
     const std::int32_t n = ObjAlloc(TextOf(argv[0]));
@@ -124,6 +128,8 @@ constexpr BuiltIn FUNCTIONS[] = {
 
 }  // namespace
 
-void ObjectRegister() { RegisterBuiltIns(FUNCTIONS); }
+void ObjectRegister() {
+    RegisterBuiltIns(FUNCTIONS);
+}
 
 }  // namespace quelmark

@@ -24,7 +24,9 @@ std::uint32_t loadedLayout = 0;  // BufLayout when LoadedPolygon was last known 
 
 constexpr std::int32_t HEADER_BYTES = 24;  // of a polygon record, before its vertices
 
-DataBuffer* BlockOf(PolygonRecord* polygon) { return &polygon->header; }
+DataBuffer* BlockOf(PolygonRecord* polygon) {
+    return &polygon->header;
+}
 
 // The number of vertices that may really be copied out of CurrentPolygon.
 std::int32_t CurrentSize() {
@@ -34,13 +36,15 @@ std::int32_t CurrentSize() {
     return size;
 }
 
-// True when a record begins at this address. The walk starts at the loaded record where that is known to be one.
+// True when a record begins at this address. The walk starts at the loaded record where that is known to be
+// one.
 bool IsLive(const PolygonRecord* wanted) {
     PolygonRecord* start = PolygonTop();
     if (LoadedPolygon != nullptr && loadedLayout == BufLayout && LoadedPolygon <= wanted) {
         start = LoadedPolygon;
     }
-    for (PolygonRecord* polygon = start; polygon != nullptr && polygon <= wanted; polygon = PolygonNext(polygon)) {
+    for (PolygonRecord* polygon = start; polygon != nullptr && polygon <= wanted;
+         polygon = PolygonNext(polygon)) {
         if (polygon == wanted) {
             return true;
         }
@@ -155,7 +159,9 @@ void PolygonLoad(std::int32_t handle) {
     LoadRecord(polygon);
 }
 
-void PolygonLoadInit() { LoadedPolygon = nullptr; }
+void PolygonLoadInit() {
+    LoadedPolygon = nullptr;
+}
 
 void PolygonSave() {
     VerifyLoaded();

@@ -69,7 +69,8 @@ void PlaneNormal(std::span<const VertexRecord> vertices, std::int16_t normal[3])
 bool PolygonAppend(std::int32_t select);
 // The walk over the selected polygons: copies the next one into CurrentPolygon; its handle, or 0 at the end.
 std::int32_t PolygonLoadNext();
-// Copies the record a handle names. A handle that names none any more is "ポリゴンのハンドルが不正です。(PolyLoad)".
+// Copies the record a handle names. A handle that names none any more is
+// "ポリゴンのハンドルが不正です。(PolyLoad)".
 void PolygonLoad(std::int32_t handle);
 void PolygonLoadInit();
 std::int32_t PolygonHandle(const PolygonRecord* polygon);
@@ -78,7 +79,8 @@ void PolygonSave();
 // Deletes every selected polygon.
 void PolygonDelete();
 
-// Registers the class Vertex, the model constants and every function of polygons, selection, attributes and objects.
+// Registers the class Vertex, the model constants and every function of polygons, selection, attributes and
+// objects.
 void PolygonRegister();
 
 }  // namespace quelmark

@@ -24,7 +24,9 @@ std::span<VertexRecord> CurrentVertices() {
     return {CurrentPolygon->vertex, static_cast<std::size_t>(count)};
 }
 
-bool IsVertexIndex(std::int32_t n) { return 0 <= n && n < MaxVertex; }
+bool IsVertexIndex(std::int32_t n) {
+    return 0 <= n && n < MaxVertex;
+}
 
 std::int32_t SetVertex(std::int32_t, std::int32_t, DataCell* argv) {
     const std::int32_t n = argv[1].integer;
@@ -74,7 +76,8 @@ template <auto field>
 std::int32_t Word(std::int32_t, std::int32_t argc, DataCell* argv) {
     auto& word = CurrentPolygon->*field;
     if (argc > 0) {
-        word = static_cast<std::remove_reference_t<decltype(word)>>(static_cast<std::uint16_t>(argv[0].integer));
+        word =
+            static_cast<std::remove_reference_t<decltype(word)>>(static_cast<std::uint16_t>(argv[0].integer));
     }
     StackPushInt(word);
     return RESULT;
@@ -179,21 +182,32 @@ std::int32_t PlaneVector(std::int32_t, std::int32_t argc, DataCell* argv) {
         PlaneNormal(CurrentVertices(), CurrentPolygon->normal);
     }
     const std::int16_t* normal = CurrentPolygon->normal;
-    StackPushVector({static_cast<float>(normal[0]), static_cast<float>(normal[1]), static_cast<float>(normal[2])});
+    StackPushVector(
+        {static_cast<float>(normal[0]), static_cast<float>(normal[1]), static_cast<float>(normal[2])});
     return RESULT;
 }
 
 constexpr ConstantRow CONSTANTS[] = {
-    {"POLY_SIMPLE", IntCell(POLY_SIMPLE)}, {"POLY_SHADE", IntCell(POLY_SHADE)},
-    {"POLY_UV", IntCell(POLY_UV)},         {"POLY_UVSHADE", IntCell(POLY_UVSHADE)},
-    {"SELECT_UPDATE", IntCell(0)},         {"SELECT_AND", IntCell(1)},
-    {"SELECT_OR", IntCell(2)},             {"SELECT_XOR", IntCell(3)},
-    {"SELECT_ALL", IntCell(0)},            {"SELECT_SUB", IntCell(16)},
-    {"FILE_OVERWRITE", IntCell(0)},        {"FILE_APPEND", IntCell(1)},
-    {"OBJ_CREATE", IntCell(0)},            {"OBJ_APPEND", IntCell(1)},
-    {"ATTR_CREATE", IntCell(0)},           {"ATTR_APPEND", IntCell(1)},
-    {"VERTEX_MIN", IntCell(VERTEX_MIN)},   {"VERTEX_MAX", IntCell(VERTEX_MAX)},
-    {"NORMAL_OFF", IntCell(0)},            {"NORMAL_ON", IntCell(1)},
+    {"POLY_SIMPLE", IntCell(POLY_SIMPLE)},
+    {"POLY_SHADE", IntCell(POLY_SHADE)},
+    {"POLY_UV", IntCell(POLY_UV)},
+    {"POLY_UVSHADE", IntCell(POLY_UVSHADE)},
+    {"SELECT_UPDATE", IntCell(0)},
+    {"SELECT_AND", IntCell(1)},
+    {"SELECT_OR", IntCell(2)},
+    {"SELECT_XOR", IntCell(3)},
+    {"SELECT_ALL", IntCell(0)},
+    {"SELECT_SUB", IntCell(16)},
+    {"FILE_OVERWRITE", IntCell(0)},
+    {"FILE_APPEND", IntCell(1)},
+    {"OBJ_CREATE", IntCell(0)},
+    {"OBJ_APPEND", IntCell(1)},
+    {"ATTR_CREATE", IntCell(0)},
+    {"ATTR_APPEND", IntCell(1)},
+    {"VERTEX_MIN", IntCell(VERTEX_MIN)},
+    {"VERTEX_MAX", IntCell(VERTEX_MAX)},
+    {"NORMAL_OFF", IntCell(0)},
+    {"NORMAL_ON", IntCell(1)},
     {"NORMAL_CREATE", IntCell(2)},
 };
 

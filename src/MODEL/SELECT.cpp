@@ -32,7 +32,9 @@ std::int32_t ModelCount() {
     return count;
 }
 
-bool IsSelect(const DataCell& cell) { return IsInstance(cell, selectClass); }
+bool IsSelect(const DataCell& cell) {
+    return IsInstance(cell, selectClass);
+}
 
 SelectData& DataOf(const DataCell& cell) {
     Check(IsSelect(cell), "buf[0] is a Select");
@@ -45,7 +47,8 @@ std::int32_t WordsOf(const DataCell& cell) {
 
 // Pushes a Select of `words` empty words and gives its data.
 SelectData& PushSelect(std::int32_t count, std::int32_t words) {
-    ObjectBlock* block = ObjectAlloc(sizeof(std::uint32_t) * static_cast<std::size_t>(words + 1), selectClass);
+    ObjectBlock* block =
+        ObjectAlloc(sizeof(std::uint32_t) * static_cast<std::size_t>(words + 1), selectClass);
     std::memset(block->Data(), 0, block->size);
     auto& data = *reinterpret_cast<SelectData*>(block->Data());
     data.count = count;
@@ -57,7 +60,9 @@ bool IsMember(const SelectData& data, std::int32_t words, std::int32_t i) {
     return i < data.count && i / 32 < words && (data.words[i / 32] >> (i % 32) & 1) != 0;
 }
 
-void AddMember(SelectData& data, std::int32_t i) { data.words[i / 32] |= 1U << (i % 32); }
+void AddMember(SelectData& data, std::int32_t i) {
+    data.words[i / 32] |= 1U << (i % 32);
+}
 
 // Selects by a test of each polygon.
 template <class Hit>
@@ -68,7 +73,9 @@ void SelectWhere(bool flag, std::int32_t mode, Hit hit) {
     }
 }
 
-bool Flag(const DataCell& cell) { return cell.integer != 0; }
+bool Flag(const DataCell& cell) {
+    return cell.integer != 0;
+}
 
 std::int32_t All(std::int32_t, std::int32_t argc, DataCell* argv) {
     SelectWhere(Flag(argv[0]), argc > 1 ? argv[1].integer & SELECT_MODE_MASK : 0,
@@ -81,8 +88,8 @@ struct Box {
 };
 
 bool Inside(const Box& box, const VertexRecord& v) {
-    return box.low[0] <= v.x && v.x <= box.high[0] && box.low[1] <= v.y && v.y <= box.high[1] && box.low[2] <= v.z &&
-           v.z <= box.high[2];
+    return box.low[0] <= v.x && v.x <= box.high[0] && box.low[1] <= v.y && v.y <= box.high[1] &&
+           box.low[2] <= v.z && v.z <= box.high[2];
 }
 
 std::int32_t Area(std::int32_t, std::int32_t, DataCell* argv) {
@@ -96,7 +103,8 @@ std::int32_t Area(std::int32_t, std::int32_t, DataCell* argv) {
     const bool partly = (argv[1].integer & SELECT_SUB) != 0;
     const auto inside = [&box](const VertexRecord& v) { return Inside(box, v); };
     SelectWhere(Flag(argv[0]), argv[1].integer & SELECT_MODE_MASK, [&](const PolygonRecord& polygon) {
-        return partly ? std::ranges::any_of(polygon.Vertices(), inside) : std::ranges::all_of(polygon.Vertices(), inside);
+        return partly ? std::ranges::any_of(polygon.Vertices(), inside)
+                      : std::ranges::all_of(polygon.Vertices(), inside);
     });
     return NO_RESULT;
 }
@@ -193,7 +201,9 @@ std::int32_t Restore(std::int32_t, std::int32_t, DataCell* argv) {
 }
 
 std::uint64_t PositionKey(const VertexRecord& v) {
-    const auto word = [](std::int16_t value) { return static_cast<std::uint64_t>(static_cast<std::uint16_t>(value)); };
+    const auto word = [](std::int16_t value) {
+        return static_cast<std::uint64_t>(static_cast<std::uint16_t>(value));
+    };
     return word(v.x) << 32 | word(v.y) << 16 | word(v.z);
 }
 
@@ -213,7 +223,9 @@ std::int32_t Adjoint(std::int32_t, std::int32_t, DataCell* argv) {
     SelectData& result = PushSelect(count, count / 32 + 1);
     i = 0;
     for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon), ++i) {
-        const auto shared = [&positions](const VertexRecord& v) { return positions.contains(PositionKey(v)); };
+        const auto shared = [&positions](const VertexRecord& v) {
+            return positions.contains(PositionKey(v));
+        };
         if ((polygon->flags & POLYGON_INVISIBLE) == 0 && std::ranges::any_of(polygon->Vertices(), shared)) {
             AddMember(result, i);
         }

@@ -1,5 +1,5 @@
-// Selection: the `select` word of each polygon, set by regions and properties in four modes, and saved selections of
-// the script class Select.
+// Selection: the `select` word of each polygon, set by regions and properties in four modes, and saved
+// selections of the script class Select.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,8 @@ void SelectRegister();
 
 // Every selection begins so: the load walk starts again, SelectCount is 0.
 void SelectBegin();
-// Gives a polygon the flag for a hit and its negation for a miss, combined by the mode; invisible ones are left alone.
+// Gives a polygon the flag for a hit and its negation for a miss, combined by the mode; invisible ones are
+// left alone.
 void SelectPolygon(PolygonRecord* polygon, bool hit, bool flag, std::int32_t mode);
 
 }  // namespace quelmark

@@ -18,7 +18,9 @@ namespace {
 
 constexpr std::int32_t RENDER_MARGIN = 12;
 
-std::string_view TextOf(const DataCell& cell) { return IsString(cell) ? StringText(cell) : std::string_view(); }
+std::string_view TextOf(const DataCell& cell) {
+    return IsString(cell) ? StringText(cell) : std::string_view();
+}
 
 std::int32_t Version(std::int32_t, std::int32_t, DataCell*) {
     StackPushString("1.1.1+T1.2.332");
@@ -102,10 +104,10 @@ std::int32_t StatusBarWidth(std::int32_t, std::int32_t, DataCell* argv) {
 std::int32_t RendParameter(std::int32_t, std::int32_t, DataCell*) {
     const PixelRect views = ViewsRect();
     char text[160];
-    const int length = std::snprintf(text, sizeof text, "--inline=%lu,%d,%d -c%dx%d",
-                                     static_cast<unsigned long>(HostWindow().Handle()), views.left + RENDER_MARGIN,
-                                     views.top + RENDER_MARGIN, views.right - views.left - 2 * RENDER_MARGIN,
-                                     views.bottom - views.top - 2 * RENDER_MARGIN);
+    const int length = std::snprintf(
+        text, sizeof text, "--inline=%lu,%d,%d -c%dx%d", static_cast<unsigned long>(HostWindow().Handle()),
+        views.left + RENDER_MARGIN, views.top + RENDER_MARGIN, views.right - views.left - 2 * RENDER_MARGIN,
+        views.bottom - views.top - 2 * RENDER_MARGIN);
     StackPushString({text, static_cast<std::size_t>(length)});
     return RESULT;
 }
@@ -132,6 +134,8 @@ constexpr BuiltIn FUNCTIONS[] = {
 
 }  // namespace
 
-void SystemLibraryRegister() { RegisterBuiltIns(FUNCTIONS); }
+void SystemLibraryRegister() {
+    RegisterBuiltIns(FUNCTIONS);
+}
 
 }  // namespace quelmark

@@ -1,5 +1,5 @@
-// What the attribute table and the object table share: used slots, names cut to 16 bytes, search, and the polygons'
-// numbers when an entry goes.
+// What the attribute table and the object table share: used slots, names cut to 16 bytes, search, and the
+// polygons' numbers when an entry goes.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,8 @@ namespace quelmark {
 
 inline constexpr std::size_t TABLE_NAME_BYTES = 16;
 
-// Copies at most `most` bytes and terminates them. Names are compared byte by byte, so the cut is at the byte.
+// Copies at most `most` bytes and terminates them. Names are compared byte by byte, so the cut is at the
+// byte.
 template <std::size_t N>
 void CopyText(char (&to)[N], std::string_view text, std::size_t most = N - 1) {
     const std::size_t length = std::min({text.size(), most, N - 1});

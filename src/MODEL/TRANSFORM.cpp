@@ -7,11 +7,14 @@
 namespace quelmark {
 namespace {
 
-std::int16_t Cut16(std::int32_t value) { return static_cast<std::int16_t>(static_cast<std::uint16_t>(value)); }
+std::int16_t Cut16(std::int32_t value) {
+    return static_cast<std::int16_t>(static_cast<std::uint16_t>(value));
+}
 
 std::int32_t Column(const FixedMatrix& matrix, int column, std::int32_t x, std::int32_t y, std::int32_t z) {
-    return WrapAdd(WrapAdd(WrapMultiply(x, matrix.element[0][column]), WrapMultiply(y, matrix.element[1][column])),
-                   WrapMultiply(z, matrix.element[2][column]));
+    return WrapAdd(
+        WrapAdd(WrapMultiply(x, matrix.element[0][column]), WrapMultiply(y, matrix.element[1][column])),
+        WrapMultiply(z, matrix.element[2][column]));
 }
 
 Matrix InverseTranspose(const Matrix& matrix) {

@@ -20,9 +20,12 @@ namespace {
 constexpr std::uint32_t VALID_NORMAL = 1;
 constexpr std::uint32_t VALID_MAPPING = 2;
 
-[[noreturn]] void ReportConstructor() { RuntimeError("%s", "引数の型が不正です。（Vertex）"_sjis); }
+[[noreturn]] void ReportConstructor() {
+    RuntimeError("%s", "引数の型が不正です。（Vertex）"_sjis);
+}
 
-// The mapping at the end of the constructor's arguments: a Vector, an array of at least two numbers, or two numbers.
+// The mapping at the end of the constructor's arguments: a Vector, an array of at least two numbers, or two
+// numbers.
 void ReadMapping(std::int32_t argc, const DataCell* argv, VertexRecord& vertex) {
     if (argv[0].type == TYPE_OBJECT) {
         if (!IsVector(argv[0])) {
@@ -46,7 +49,8 @@ void ReadMapping(std::int32_t argc, const DataCell* argv, VertexRecord& vertex) 
 }
 
 // Three components at the front of the arguments, as coordinates; moves past them.
-void ReadCoordinates(std::int32_t& argc, const DataCell*& argv, std::int16_t& x, std::int16_t& y, std::int16_t& z) {
+void ReadCoordinates(std::int32_t& argc, const DataCell*& argv, std::int16_t& x, std::int16_t& y,
+                     std::int16_t& z) {
     Vector vector{};
     const int taken = ReadThreeComponents(argc, argv, vector);
     if (taken == 0) {
@@ -168,7 +172,9 @@ std::int32_t VertexLength2(std::int32_t, std::int32_t, DataCell* argv) {
     return RESULT;
 }
 
-std::int16_t Wrap16(std::int32_t value) { return static_cast<std::int16_t>(static_cast<std::uint16_t>(value)); }
+std::int16_t Wrap16(std::int32_t value) {
+    return static_cast<std::int16_t>(static_cast<std::uint16_t>(value));
+}
 
 // The right operand of + and -: a Vertex with what is valid of it, or a Vector as a position.
 VertexRecord Summand(const DataCell& cell, std::int32_t code) {
@@ -188,7 +194,8 @@ VertexRecord Summand(const DataCell& cell, std::int32_t code) {
         v.y = ToCoordinate(static_cast<double>(vector.y));
         v.z = ToCoordinate(static_cast<double>(vector.z));
     } else {
-        RuntimeError("%s", code == OP_ADD ? "型が不正です。（演算子+）"_sjis : "型が不正です。（演算子-）"_sjis);
+        RuntimeError("%s",
+                     code == OP_ADD ? "型が不正です。（演算子+）"_sjis : "型が不正です。（演算子-）"_sjis);
     }
     return v;
 }
@@ -244,8 +251,9 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"Vertex", "VertexLength2", VertexLength2, Takes("PolyVertex2Length", {TYPE_OBJECT, TYPE_OBJECT})},
 };
 constexpr BuiltInOperator OPERATORS[] = {
-    {"Vertex", OP_ADD, AddOrSubtract}, {"Vertex", OP_SUBTRACT, AddOrSubtract}, {"Vertex", OP_MULTIPLY, Transform},
-    {"Vertex", OP_EQUAL, Equal},       {"Vertex", OP_NOT_EQUAL, Equal},
+    {"Vertex", OP_ADD, AddOrSubtract},  {"Vertex", OP_SUBTRACT, AddOrSubtract},
+    {"Vertex", OP_MULTIPLY, Transform}, {"Vertex", OP_EQUAL, Equal},
+    {"Vertex", OP_NOT_EQUAL, Equal},
 };
 
 }  // namespace
@@ -256,7 +264,9 @@ void VertexRegister() {
     RegisterBuiltIns(FUNCTIONS);
 }
 
-bool IsVertex(const DataCell& cell) { return IsInstance(cell, VertexClass); }
+bool IsVertex(const DataCell& cell) {
+    return IsInstance(cell, VertexClass);
+}
 
 void StackPushVertex(const VertexRecord& vertex, std::uint32_t valid) {
     ObjectBlock* block = ObjectAlloc(sizeof(VertexObject), VertexClass);
@@ -269,6 +279,8 @@ VertexObject& VertexOf(const DataCell& cell) {
     return ObjectData<VertexObject>(cell);
 }
 
-std::int16_t ToCoordinate(double value) { return Wrap16(RealToInt(value)); }
+std::int16_t ToCoordinate(double value) {
+    return Wrap16(RealToInt(value));
+}
 
 }  // namespace quelmark

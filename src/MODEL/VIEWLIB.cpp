@@ -21,7 +21,9 @@ namespace {
 
 constexpr std::int32_t PICK_REACH = 12;  // pixels
 
-ModelPoint PointOf(const VertexRecord& v) { return {v.x, v.y, v.z}; }
+ModelPoint PointOf(const VertexRecord& v) {
+    return {v.x, v.y, v.z};
+}
 
 VertexRecord ToVertexRecord(const ModelPoint& point) {
     return {ToCoordinate(point.x), ToCoordinate(point.y), ToCoordinate(point.z), 0, 0, 0, 0, 0};
@@ -41,7 +43,8 @@ std::int32_t MouseWindow(std::int32_t, std::int32_t, DataCell*) {
 }
 
 std::int32_t MousePoint(std::int32_t, std::int32_t, DataCell*) {
-    StackPushVertex(ToVertexRecord(ViewPointAt(Input.x, Input.y, CursorPosition()).value_or(CursorPosition())), 0);
+    StackPushVertex(
+        ToVertexRecord(ViewPointAt(Input.x, Input.y, CursorPosition()).value_or(CursorPosition())), 0);
     return RESULT;
 }
 
@@ -73,7 +76,9 @@ std::int32_t Cursor2D(std::int32_t, std::int32_t, DataCell* argv) {
     const EyePoint eye = ViewToEye(CursorPosition());
     const PanePoint p = eye.x >= 1 ? ViewProjectEye(eye) : PanePoint{view.centreX, view.centreY};
     const std::int64_t width = view.width > 0 ? view.width : 1;
-    const auto fraction = [width](std::int64_t pixels) { return static_cast<std::int32_t>(pixels * 65536 / width); };
+    const auto fraction = [width](std::int64_t pixels) {
+        return static_cast<std::int32_t>(pixels * 65536 / width);
+    };
     DataCell* elements = ArrayElements(argv[0]);
     CellAssign(elements[0], IntCell(fraction(p.x - view.left - view.width / 2)));
     CellAssign(elements[1], IntCell(fraction(-(p.y - view.top - view.height / 2))));
@@ -122,7 +127,9 @@ std::int32_t DrawCurrent(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
-ModelPoint DisplayPoint(const DataCell& cell) { return ViewConverted(VertexOf(cell).vertex); }
+ModelPoint DisplayPoint(const DataCell& cell) {
+    return ViewConverted(VertexOf(cell).vertex);
+}
 
 std::int32_t DrawModelLine(std::int32_t, std::int32_t argc, DataCell* argv) {
     const bool both = argc > 2 && argv[2].integer == LINE_OR;
@@ -137,16 +144,20 @@ std::int32_t DrawLine2D(std::int32_t, std::int32_t, DataCell* argv) {
 
 std::int32_t DrawBox2D(std::int32_t, std::int32_t, DataCell* argv) {
     const std::int32_t x1 = argv[0].integer, y1 = argv[1].integer, x2 = argv[2].integer, y2 = argv[3].integer;
-    OverlayPaneLines({{{x1, y1, 0}, {x2, y1, 0}}, {{x2, y1, 0}, {x2, y2, 0}}, {{x2, y2, 0}, {x1, y2, 0}},
+    OverlayPaneLines({{{x1, y1, 0}, {x2, y1, 0}},
+                      {{x2, y1, 0}, {x2, y2, 0}},
+                      {{x2, y2, 0}, {x1, y2, 0}},
                       {{x1, y2, 0}, {x1, y1, 0}}});
     return NO_RESULT;
 }
 
 // The corner of a box: bits 0 to 2 choose between the two vertices on each axis.
 ModelPoint Corner(const VertexRecord& a, const VertexRecord& b, int bits, const Matrix* matrix) {
-    VertexRecord v{(bits & 1) != 0 ? b.x : a.x, (bits & 2) != 0 ? b.y : a.y, (bits & 4) != 0 ? b.z : a.z, 0, 0, 0, 0, 0};
+    VertexRecord v{
+        (bits & 1) != 0 ? b.x : a.x, (bits & 2) != 0 ? b.y : a.y, (bits & 4) != 0 ? b.z : a.z, 0, 0, 0, 0, 0};
     if (matrix != nullptr) {
-        const Vector moved = MatrixApply({static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)}, *matrix);
+        const Vector moved =
+            MatrixApply({static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)}, *matrix);
         v.x = ToCoordinate(static_cast<double>(moved.x));
         v.y = ToCoordinate(static_cast<double>(moved.y));
         v.z = ToCoordinate(static_cast<double>(moved.z));
@@ -295,9 +306,9 @@ std::int32_t SelectPoint(std::int32_t, std::int32_t, DataCell* argv) {
 }
 
 constexpr ConstantRow CONSTANTS[] = {
-    {"WIN_XY", IntCell(WIN_XY)},     {"WIN_YZ", IntCell(WIN_YZ)},       {"WIN_ZX", IntCell(WIN_ZX)},
-    {"WIN_PERS", IntCell(WIN_PERS)}, {"WIN_ALL", IntCell(WIN_ALL)},     {"LINE_OR", IntCell(LINE_OR)},
-    {"LINE_XOR", IntCell(LINE_XOR)}, {"OVERWRITE", BoolCell(0)},        {"CLEAR", BoolCell(1)},
+    {"WIN_XY", IntCell(WIN_XY)},     {"WIN_YZ", IntCell(WIN_YZ)},   {"WIN_ZX", IntCell(WIN_ZX)},
+    {"WIN_PERS", IntCell(WIN_PERS)}, {"WIN_ALL", IntCell(WIN_ALL)}, {"LINE_OR", IntCell(LINE_OR)},
+    {"LINE_XOR", IntCell(LINE_XOR)}, {"OVERWRITE", BoolCell(0)},    {"CLEAR", BoolCell(1)},
 };
 
 constexpr BuiltIn FUNCTIONS[] = {
@@ -317,7 +328,8 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "SetWindow", SetWindow, Takes("SetWindow", {TYPE_INT}, 0)},
     {"", "Window", SetWindow, Takes("SetWindow", {TYPE_INT}, 0)},
     {"", "VisibleVector", Number<&ViewSettings::visibleVector>, Takes("SetVisibleVector", {TYPE_FLAG}, 0)},
-    {"", "VisiblePolyVector", Number<&ViewSettings::visiblePolyVector>, Takes("SetVisiblePolyVector", {TYPE_FLAG}, 0)},
+    {"", "VisiblePolyVector", Number<&ViewSettings::visiblePolyVector>,
+     Takes("SetVisiblePolyVector", {TYPE_FLAG}, 0)},
     {"", "VisibleVertex", Number<&ViewSettings::visibleVertex>, Takes("SetVisibleVertex", {TYPE_FLAG}, 0)},
     {"", "SetCenter", SetCenter, Takes("SetCenter", {TYPE_OBJECT})},
     {"", "Center", SetCenter, Takes("SetCenter", {TYPE_OBJECT})},

@@ -49,8 +49,8 @@ bool WriteHostFile(const std::string& path, std::string_view text) {
     if (file == nullptr) {
         return false;
     }
-    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size() && std::fflush(file) == 0 &&
-                         ::fsync(::fileno(file)) == 0;
+    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size() &&
+                         std::fflush(file) == 0 && ::fsync(::fileno(file)) == 0;
     return std::fclose(file) == 0 && written;
 }
 
@@ -94,7 +94,9 @@ std::optional<ConfigEntry> ConfigSplit(std::string_view line) {
     ConfigEntry entry;
     entry.key = line.substr(0, keyEnd);
     line.remove_prefix(keyEnd);
-    const auto skipBlanks = [&line] { line.remove_prefix(std::min(line.find_first_not_of(BLANKS), line.size())); };
+    const auto skipBlanks = [&line] {
+        line.remove_prefix(std::min(line.find_first_not_of(BLANKS), line.size()));
+    };
     skipBlanks();
     if (line.starts_with('=')) {
         line.remove_prefix(1);
@@ -127,7 +129,8 @@ std::string ConfigDefaultPath(std::string_view programDirectory) {
 
 std::optional<std::string> ConfigFind(std::string_view pathList, std::string_view name) {
     if (PathExists(name)) {
-        const bool absolute = name.starts_with('\\') || name.starts_with('/') || (name.size() > 1 && name[1] == ':');
+        const bool absolute =
+            name.starts_with('\\') || name.starts_with('/') || (name.size() > 1 && name[1] == ':');
         return absolute ? std::string(name) : WithSeparator(CurrentDirectory()) + std::string(name);
     }
     while (!pathList.empty()) {

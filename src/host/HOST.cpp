@@ -65,8 +65,10 @@ void WriteFormat(const char* format, auto... arguments) {
 }
 
 bool SameStream(int a, int b) {
-    struct stat one {}, other {};
-    return ::fstat(a, &one) == 0 && ::fstat(b, &other) == 0 && one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+    struct stat one {
+    }, other{};
+    return ::fstat(a, &one) == 0 && ::fstat(b, &other) == 0 && one.st_dev == other.st_dev &&
+           one.st_ino == other.st_ino;
 }
 
 // Before the window can show anything: the output log, and standard error where that is another place.
@@ -122,7 +124,8 @@ void UsageReport() {
 
 // Decimal conversion: text that is no number is 0; far too large numbers are cut.
 std::int32_t ToNumber(const std::string& text) {
-    return static_cast<std::int32_t>(std::clamp(std::strtol(text.c_str(), nullptr, 10), -2147483647L, 2147483647L));
+    return static_cast<std::int32_t>(
+        std::clamp(std::strtol(text.c_str(), nullptr, 10), -2147483647L, 2147483647L));
 }
 
 std::int32_t TimesKilobyte(std::int32_t value) {
@@ -197,10 +200,10 @@ void SetPalette() {
         std::uint8_t red, green, blue;
     };
     constexpr Entry ENTRIES[] = {
-        {0, 0, 0, 0},        {1, 0, 0, 255},       {2, 255, 0, 0},    {3, 255, 0, 255},
-        {4, 0, 255, 0},      {5, 0, 255, 255},     {6, 255, 255, 0},  {7, 255, 255, 255},
-        {8, 255, 0, 255},    {9, 0, 0, 127},       {10, 180, 180, 180}, {11, 127, 0, 127},
-        {12, 255, 0, 0},     {13, 100, 100, 100},  {14, 255, 255, 0}, {15, 255, 255, 255},
+        {0, 0, 0, 0},     {1, 0, 0, 255},      {2, 255, 0, 0},      {3, 255, 0, 255},
+        {4, 0, 255, 0},   {5, 0, 255, 255},    {6, 255, 255, 0},    {7, 255, 255, 255},
+        {8, 255, 0, 255}, {9, 0, 0, 127},      {10, 180, 180, 180}, {11, 127, 0, 127},
+        {12, 255, 0, 0},  {13, 100, 100, 100}, {14, 255, 255, 0},   {15, 255, 255, 255},
     };
     for (const Entry& entry : ENTRIES) {
         window->SetPalette(entry.index, entry.red, entry.green, entry.blue);
@@ -238,7 +241,8 @@ void StartUp(void (*registerLibraries)()) {
     PanesReset();
     SetPalette();
     HandlersReset();
-    ModelInit(TimesKilobyte(settings.bufferKilobytes), settings.objects, settings.attributes, settings.vertices);
+    ModelInit(TimesKilobyte(settings.bufferKilobytes), settings.objects, settings.attributes,
+              settings.vertices);
     if (BufTop == nullptr || AttrRevision == 0) {
         FatalError("%s", "メモリが確保できません。(ModelInit)"_sjis);
     }
@@ -354,7 +358,9 @@ int HostMain(Window& mainWindow, const std::string& programPath, const std::vect
     return status;
 }
 
-Window& HostWindow() { return *window; }
+Window& HostWindow() {
+    return *window;
+}
 
 void HostResized() {
     if (window == nullptr) {
@@ -366,7 +372,9 @@ void HostResized() {
     window->Invalidate(Pane::Message);
 }
 
-const std::string& HostProgramDirectory() { return programDirectory; }
+const std::string& HostProgramDirectory() {
+    return programDirectory;
+}
 
 std::string HostArgument(std::int32_t index) {
     return 0 <= index && index < static_cast<std::int32_t>(argumentTexts.size())
@@ -384,7 +392,9 @@ bool HostMayClose() {
     return close;
 }
 
-void HostUnwind() { throw ScriptAbort{}; }
+void HostUnwind() {
+    throw ScriptAbort{};
+}
 
 void HostDeliverHeld() {
     window->Deliver(HELD_INTERVAL);

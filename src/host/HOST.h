@@ -10,9 +10,9 @@
 
 namespace quelmark {
 
-// The whole run of the program in this window. `registerLibraries` registers every built-in function group above the
-// interpreter. `programPath` is the real path of the executable (host path); `arguments` are those behind the program's name, host
-// text. Returns the exit status.
+// The whole run of the program in this window. `registerLibraries` registers every built-in function group
+// above the interpreter. `programPath` is the real path of the executable (host path); `arguments` are those
+// behind the program's name, host text. Returns the exit status.
 int HostMain(Window& window, const std::string& programPath, const std::vector<std::string>& arguments,
              void (*registerLibraries)());
 
@@ -27,7 +27,8 @@ std::string HostArgument(std::int32_t index);
 bool HostMayClose();
 // Leaves for the recovery point.
 [[noreturn]] void HostUnwind();
-// While a button is held: delivers messages, takes button state and pointer, and comes back after a short while at the latest.
+// While a button is held: delivers messages, takes button state and pointer, and comes back after a short
+// while at the latest.
 void HostDeliverHeld();
 
 }  // namespace quelmark

@@ -19,8 +19,9 @@ bool QuitFlag = false;
 
 namespace {
 
-constexpr std::uint32_t PULSE_STEP = 5;     // milliseconds of one pulse index
-constexpr std::int32_t PULSE_INTERVAL = 40;  // milliseconds between two looks at the pulse: smooth, and next to no work
+constexpr std::uint32_t PULSE_STEP = 5;  // milliseconds of one pulse index
+constexpr std::int32_t PULSE_INTERVAL =
+    40;  // milliseconds between two looks at the pulse: smooth, and next to no work
 constexpr std::int32_t PULSE_COLOURS = 128;
 constexpr std::int32_t PULSE_ENTRY = 14;
 
@@ -98,12 +99,15 @@ void Pulse() {
     pulseTime += steps * PULSE_STEP;
     pulseIndex = static_cast<std::int32_t>((static_cast<std::uint32_t>(pulseIndex) + steps) % PULSE_COLOURS);
     constexpr double TURN = 6.283185307179586;
-    const auto p = static_cast<std::uint8_t>((127 - 127 * std::cos(TURN * pulseIndex / PULSE_COLOURS)) / 6 + 212.5);
+    const auto p =
+        static_cast<std::uint8_t>((127 - 127 * std::cos(TURN * pulseIndex / PULSE_COLOURS)) / 6 + 212.5);
     HostWindow().SetPalette(PULSE_ENTRY, p, 0, p);
 }
 
 // Buttons that a mask of MOUSE_LEFT and MOUSE_RIGHT names are held.
-bool Held(std::int32_t mask, bool left, bool right) { return ((mask & 1) != 0 && left) || ((mask & 2) != 0 && right); }
+bool Held(std::int32_t mask, bool left, bool right) {
+    return ((mask & 1) != 0 && left) || ((mask & 2) != 0 && right);
+}
 
 // A button is down: panes, then the script's press handler. True when the press has been used up.
 bool HandlePress(bool fresh) {
@@ -119,7 +123,9 @@ bool HandlePress(bool fresh) {
 
 }  // namespace
 
-std::span<const KeyName> KeyNames() { return KEYS; }
+std::span<const KeyName> KeyNames() {
+    return KEYS;
+}
 
 void HandlersReset() {
     std::ranges::fill(Handlers.character, -1);
@@ -218,8 +224,9 @@ bool CallHandler(std::int32_t handler, std::initializer_list<std::int32_t> argum
     for (const std::int32_t argument : arguments) {
         StackPushInt(argument);
     }
-    const bool result = CallFunction(handler, static_cast<std::int32_t>(arguments.size()), mark + 1) == RESULT &&
-                        (mark[1].type & TYPE_FLAG) != 0 && mark[1].integer != 0;
+    const bool result =
+        CallFunction(handler, static_cast<std::int32_t>(arguments.size()), mark + 1) == RESULT &&
+        (mark[1].type & TYPE_FLAG) != 0 && mark[1].integer != 0;
     StackRelease(mark);
     return result;
 }

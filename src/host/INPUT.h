@@ -1,5 +1,5 @@
-// Input as scripts see it: the current state, the wait step through which every script wait passes, key codes and the tables of
-// script handlers.
+// Input as scripts see it: the current state, the wait step through which every script wait passes, key codes
+// and the tables of script handlers.
 #pragma once
 
 #include <cstdint>
@@ -35,7 +35,8 @@ struct KeyName {
 // The constants of scripts for keys and switches, in their order.
 std::span<const KeyName> KeyNames();
 
-// Script handlers, function ids or -1. A number of special keys one too large falls on the input handler: scripts may rely on it.
+// Script handlers, function ids or -1. A number of special keys one too large falls on the input handler:
+// scripts may rely on it.
 struct InputHandlers {
     std::int32_t character[128];
     std::int32_t special[46];
@@ -58,7 +59,8 @@ extern WaitMode Mode;
 // Set by Quit, by the window's close and when input ends; the event loop and every wait leave.
 extern bool QuitFlag;
 
-// Lets the window deliver messages until a key, a button change, a drag or a wheel turn comes; takes it as the current state.
+// Lets the window deliver messages until a key, a button change, a drag or a wheel turn comes; takes it as
+// the current state.
 void WaitStep();
 // Waits until both buttons are up.
 void WaitRelease();

@@ -39,13 +39,22 @@ constexpr std::int32_t ATTRIBUTES_FIRST = 2;
 std::array<StatusField, STATUS_FIELDS> fields;
 std::vector<std::string> messageLines;
 std::int32_t attributeTop = 0, objectTop = 0;  // first entry shown
-std::int32_t attributeSeen = -1, objectSeen = -1;  // current entries when the lists were last scrolled to them
+std::int32_t attributeSeen = -1,
+             objectSeen = -1;  // current entries when the lists were last scrolled to them
 std::uint32_t attributeRevision = 0, objectRevision = 0;
 
-std::int32_t Rows() { return HostWindow().ClientHeight() / std::max(HostWindow().LineHeight(), 1); }
-std::int32_t ListWidth() { return LIST_CHARACTERS * HostWindow().CharacterWidth() + MARGIN; }
-std::int32_t StatusHeight() { return HostWindow().LineHeight() + STATUS_MARGIN; }
-std::int32_t AttributeRows() { return std::max(Rows() - ATTRIBUTES_LAST_UP - ATTRIBUTES_FIRST + 1, 0); }
+std::int32_t Rows() {
+    return HostWindow().ClientHeight() / std::max(HostWindow().LineHeight(), 1);
+}
+std::int32_t ListWidth() {
+    return LIST_CHARACTERS * HostWindow().CharacterWidth() + MARGIN;
+}
+std::int32_t StatusHeight() {
+    return HostWindow().LineHeight() + STATUS_MARGIN;
+}
+std::int32_t AttributeRows() {
+    return std::max(Rows() - ATTRIBUTES_LAST_UP - ATTRIBUTES_FIRST + 1, 0);
+}
 
 std::string ListName(const char* name) {
     char text[64];
@@ -164,7 +173,8 @@ PixelRect ViewsRect() {
 
 PixelRect ListRect() {
     const std::int32_t width = HostWindow().ClientWidth();
-    return {std::max(width - ListWidth(), 0), 0, width, std::max(HostWindow().ClientHeight() - StatusHeight(), 0)};
+    return {std::max(width - ListWidth(), 0), 0, width,
+            std::max(HostWindow().ClientHeight() - StatusHeight(), 0)};
 }
 
 PixelRect StatusRect() {
@@ -218,8 +228,12 @@ std::vector<PaneRow> ListRows() {
     return rows;
 }
 
-const std::array<StatusField, STATUS_FIELDS>& StatusFields() { return fields; }
-const std::vector<std::string>& MessageLines() { return messageLines; }
+const std::array<StatusField, STATUS_FIELDS>& StatusFields() {
+    return fields;
+}
+const std::vector<std::string>& MessageLines() {
+    return messageLines;
+}
 
 void PanesReset() {
     fields = {};
@@ -291,7 +305,9 @@ void PanesRefresh() {
     HostWindow().Invalidate(Pane::List);
 }
 
-void PanesCursorMoved() { HostWindow().Invalidate(Pane::List); }
+void PanesCursorMoved() {
+    HostWindow().Invalidate(Pane::List);
+}
 
 bool PanePress(std::int32_t x, std::int32_t y) {
     if (y >= StatusRect().top) {

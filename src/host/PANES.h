@@ -1,5 +1,5 @@
-// The panes around the views as plain data: the list panel at the right, the status bar, the message pane. The window paints
-// them; presses on them are handled here before scripts see them. Texts are cp932.
+// The panes around the views as plain data: the list panel at the right, the status bar, the message pane.
+// The window paints them; presses on them are handled here before scripts see them. Texts are cp932.
 #pragma once
 
 #include <array>
@@ -17,9 +17,9 @@ inline constexpr std::uint8_t PANE_TEXT = 7;
 inline constexpr std::uint8_t PANE_HIGHLIGHT = 10;
 
 struct PaneRow {
-    std::int32_t row;   // text row, at row × line height
+    std::int32_t row;  // text row, at row × line height
     std::string text;
-    bool current;       // in the highlight colour, on a bar
+    bool current;  // in the highlight colour, on a bar
     bool heading;
 };
 

@@ -27,8 +27,8 @@ class Window {
   public:
     virtual ~Window() = default;
 
-    // Lets the window system deliver waiting messages; waits up to `milliseconds` for the first. The window is
-    // repainted and resized inside; a new size is told by HostResized.
+    // Lets the window system deliver waiting messages; waits up to `milliseconds` for the first. The window
+    // is repainted and resized inside; a new size is told by HostResized.
     virtual void Deliver(std::int32_t milliseconds) = 0;
     // Takes the input state; the key code, the wheel turns and the request to close are cleared.
     virtual InputState TakeInput() = 0;

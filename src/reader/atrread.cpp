@@ -19,7 +19,15 @@ namespace {
 constexpr double FIXED_12 = 4096;
 constexpr double FIXED_16 = 65536;
 
-enum AttributeFault : std::int32_t { BUMPMAP = 1, MISSING = 11, EXISTS = 12, MAPPING = 13, UNSUPPORTED = 14, END = 21, KIND = 22 };
+enum AttributeFault : std::int32_t {
+    BUMPMAP = 1,
+    MISSING = 11,
+    EXISTS = 12,
+    MAPPING = 13,
+    UNSUPPORTED = 14,
+    END = 21,
+    KIND = 22
+};
 
 constexpr ReaderMessage MESSAGES[] = {
     {BUMPMAP, "%s 処理はサポートしていません。"_sjis, 1},
@@ -32,7 +40,9 @@ constexpr ReaderMessage MESSAGES[] = {
     {0, "エラーコードの誤り。( atrread )"_sjis, 20},
 };
 
-void Report(AttributeFault code, std::string_view argument = "") { ReaderReport(MESSAGES, code, argument); }
+void Report(AttributeFault code, std::string_view argument = "") {
+    ReaderReport(MESSAGES, code, argument);
+}
 
 std::int16_t ToFixed12(double value) {
     return static_cast<std::int16_t>(std::clamp(RealToInt(value * FIXED_12), -32768, 32767));
@@ -203,8 +213,8 @@ bool ReadLine(AttributeRecord& attribute) {
 
 bool BeginsLine(std::int32_t token) {
     return std::ranges::find(COLOURS, token, &ColourRow::word) != std::end(COLOURS) || token == WORD_SPC ||
-           token == WORD_COLORMAP || token == WORD_MAPSIZE || token == WORD_MAPVIEW || token == WORD_MAPWIND ||
-           token == WORD_BUMPMAP;
+           token == WORD_COLORMAP || token == WORD_MAPSIZE || token == WORD_MAPVIEW ||
+           token == WORD_MAPWIND || token == WORD_BUMPMAP;
 }
 
 // To the next line that can be read, the end of the block or of the file.

@@ -49,7 +49,7 @@ constexpr ReaderMessage MESSAGES[] = {
 constexpr std::int32_t LEVELS_MOST = 10;    // of part references inside each other
 constexpr std::int32_t PARTS_MOST = 10000;  // references of one read in all
 constexpr std::int32_t POLYGONS_BETWEEN_POLLS = 8192;
-constexpr std::size_t WORDS_MOST = 8;       // of one vertex
+constexpr std::size_t WORDS_MOST = 8;  // of one vertex
 
 std::string startDirectory;
 CancelCheck cancelCheck = nullptr;
@@ -66,9 +66,13 @@ struct Block {
     bool changed = false;
 };
 
-void Report(ObjectFault code, std::string_view argument = "") { ReaderReport(MESSAGES, code, argument); }
+void Report(ObjectFault code, std::string_view argument = "") {
+    ReaderReport(MESSAGES, code, argument);
+}
 
-bool Ended() { return ReaderSeverity >= SEVERITY_END || bufferFull; }
+bool Ended() {
+    return ReaderSeverity >= SEVERITY_END || bufferFull;
+}
 
 // ---- polygons ----
 
@@ -77,8 +81,10 @@ struct TypeRow {
     std::uint16_t type;
     std::uint8_t words;  // per vertex
 };
-constexpr TypeRow TYPES[] = {
-    {WORD_POLY, POLY_SIMPLE, 3}, {WORD_SHADE, POLY_SHADE, 6}, {WORD_UVPOLY, POLY_UV, 5}, {WORD_UVSHADE, POLY_UVSHADE, 8}};
+constexpr TypeRow TYPES[] = {{WORD_POLY, POLY_SIMPLE, 3},
+                             {WORD_SHADE, POLY_SHADE, 6},
+                             {WORD_UVPOLY, POLY_UV, 5},
+                             {WORD_UVSHADE, POLY_UVSHADE, 8}};
 
 VertexRecord ToVertex(const std::int16_t* words, std::uint16_t type) {
     VertexRecord vertex{words[0], words[1], words[2], 0, 0, 0, 0, 0};
@@ -106,7 +112,8 @@ void TransformVertices(std::span<VertexRecord> vertices, std::uint16_t type) {
     const Matrix& matrix = matrices[static_cast<std::size_t>(levels)];
     const ModelTransform turn(matrix);
     for (VertexRecord& v : vertices) {
-        const Vector moved = MatrixApply({static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)}, matrix);
+        const Vector moved =
+            MatrixApply({static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)}, matrix);
         v.x = Rounded(moved.x);
         v.y = Rounded(moved.y);
         v.z = Rounded(moved.z);
@@ -151,7 +158,8 @@ void PollCancel() {
 // Behind a fault: to the end of the polygon, or to what begins the next construct.
 void SkipPolygon() {
     while (Shape.token != TOKEN_RIGHT_PAREN && Shape.token != TOKEN_RIGHT_BRACE && Shape.token != TOKEN_END &&
-           Shape.token != WORD_PRIM && Shape.token != WORD_ATR && Shape.token != WORD_PARTS && Shape.token != WORD_OBJ) {
+           Shape.token != WORD_PRIM && Shape.token != WORD_ATR && Shape.token != WORD_PARTS &&
+           Shape.token != WORD_OBJ) {
         ShapeNext();
     }
     ShapeAccept(TOKEN_RIGHT_PAREN);
@@ -191,7 +199,8 @@ void ReadPolygon(Block& block) {
     ShapeNext();
     const auto* row = std::ranges::find(TYPES, Shape.token, &TypeRow::word);
     if (row == std::end(TYPES)) {
-        Report(Shape.token < WORD_COUNT ? UNSUPPORTED : MISSING, Shape.token < WORD_COUNT ? Shape.text : "poly");
+        Report(Shape.token < WORD_COUNT ? UNSUPPORTED : MISSING,
+               Shape.token < WORD_COUNT ? Shape.text : "poly");
         return SkipPolygon();
     }
     ShapeNext();
@@ -370,9 +379,13 @@ void ReadBlocks(std::string_view file, std::int32_t mode, Block* into) {
 
 }  // namespace
 
-void ReaderInit(std::string_view programDirectory) { startDirectory = programDirectory; }
+void ReaderInit(std::string_view programDirectory) {
+    startDirectory = programDirectory;
+}
 
-void ReaderSetCancelCheck(CancelCheck check) { cancelCheck = check; }
+void ReaderSetCancelCheck(CancelCheck check) {
+    cancelCheck = check;
+}
 
 bool ReadShapeFile(std::string_view given, std::int32_t mode) {
     std::string name(given);

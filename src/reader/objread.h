@@ -14,8 +14,8 @@ void ReaderInit(std::string_view programDirectory);
 using CancelCheck = bool (*)();
 void ReaderSetCancelCheck(CancelCheck check);
 
-// Reads a shape file (".suf" is added to a name without an extension): attributes, objects, polygons. Mode 1 merges
-// objects by name, mode 0 always creates. True when no fault of severity 10 or more was reported.
+// Reads a shape file (".suf" is added to a name without an extension): attributes, objects, polygons. Mode 1
+// merges objects by name, mode 0 always creates. True when no fault of severity 10 or more was reported.
 bool ReadShapeFile(std::string_view name, std::int32_t mode);
 // Reads the attribute blocks of a shape file; mode 1 merges by name. True as above.
 bool ReadAttributeFile(std::string_view name, std::int32_t mode);

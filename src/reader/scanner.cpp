@@ -20,12 +20,13 @@ ShapeText Shape;
 namespace {
 
 constexpr std::array<std::string_view, WORD_COUNT> WORDS = {
-    "amb",  "atr",  "att",  "back", "blu",     "bumpmap", "cmp",     "col",  "colormap", "cst",    "deg",
-    "depth", "dif", "dst",  "env",  "eye",     "fram",    "frm",     "glad", "hsv",      "image",  "len",
-    "light", "map", "mapsize", "mapview", "mapwind", "mat", "mod",   "mov",  "msk",      "non",    "obj",
-    "opt",  "pal",  "parts", "plt", "pnt",     "point",   "poly",    "prim", "private",  "pxn",    "pxs",
-    "red",  "ref",  "rfr",  "rgb",  "rln",     "rotx",    "roty",    "rotz", "scal",     "scr",    "shade",
-    "spc",  "spot", "star", "stop", "suf",     "target",  "tra",     "trp",  "uvpoly",   "uvshade", "vec",
+    "amb",    "atr",     "att",   "back",   "blu",     "bumpmap", "cmp",     "col",  "colormap", "cst",
+    "deg",    "depth",   "dif",   "dst",    "env",     "eye",     "fram",    "frm",  "glad",     "hsv",
+    "image",  "len",     "light", "map",    "mapsize", "mapview", "mapwind", "mat",  "mod",      "mov",
+    "msk",    "non",     "obj",   "opt",    "pal",     "parts",   "plt",     "pnt",  "point",    "poly",
+    "prim",   "private", "pxn",   "pxs",    "red",     "ref",     "rfr",     "rgb",  "rln",      "rotx",
+    "roty",   "rotz",    "scal",  "scr",    "shade",   "spc",     "spot",    "star", "stop",     "suf",
+    "target", "tra",     "trp",   "uvpoly", "uvshade", "vec",
 };
 static_assert(std::ranges::is_sorted(WORDS));
 
@@ -45,11 +46,15 @@ constexpr ReaderMessage MESSAGES[] = {
     {0, "エラーコードの誤り。( scanner )"_sjis, 20},
 };
 
-bool IsBlank(char character) { return static_cast<unsigned char>(character) <= ' '; }
+bool IsBlank(char character) {
+    return static_cast<unsigned char>(character) <= ' ';
+}
 bool IsPunctuation(char character) {
     return character == '{' || character == '}' || character == '(' || character == ')';
 }
-bool IsDigit(char character) { return character >= '0' && character <= '9'; }
+bool IsDigit(char character) {
+    return character >= '0' && character <= '9';
+}
 
 // Moves to the first character of the next token, counting lines; comments are blanks.
 void SkipBlanks() {
@@ -83,7 +88,8 @@ std::string_view TakeWord() {
 
 std::int32_t WordToken(std::string_view word) {
     const auto found = std::ranges::lower_bound(WORDS, word);
-    return found != WORDS.end() && *found == word ? static_cast<std::int32_t>(found - WORDS.begin()) : TOKEN_NAME;
+    return found != WORDS.end() && *found == word ? static_cast<std::int32_t>(found - WORDS.begin())
+                                                  : TOKEN_NAME;
 }
 
 bool LooksNumeric(std::string_view word) {
@@ -140,8 +146,10 @@ std::int32_t ReaderReportText(std::string_view text, std::int32_t severity) {
     return severity;
 }
 
-std::int32_t ReaderReport(std::span<const ReaderMessage> table, std::int32_t code, std::string_view argument) {
-    const auto* row = std::ranges::find(table.data(), table.data() + table.size() - 1, code, &ReaderMessage::code);
+std::int32_t ReaderReport(std::span<const ReaderMessage> table, std::int32_t code,
+                          std::string_view argument) {
+    const auto* row =
+        std::ranges::find(table.data(), table.data() + table.size() - 1, code, &ReaderMessage::code);
     std::string text = row->text;
     if (const std::size_t place = text.find("%s"); place != std::string::npos) {
         text.replace(place, 2, argument);

@@ -10,13 +10,72 @@ namespace quelmark {
 
 // Reserved words in alphabetical order: a word's place is its token code.
 enum ReaderToken : std::int32_t {
-    WORD_AMB, WORD_ATR, WORD_ATT, WORD_BACK, WORD_BLU, WORD_BUMPMAP, WORD_CMP, WORD_COL, WORD_COLORMAP, WORD_CST,
-    WORD_DEG, WORD_DEPTH, WORD_DIF, WORD_DST, WORD_ENV, WORD_EYE, WORD_FRAM, WORD_FRM, WORD_GLAD, WORD_HSV,
-    WORD_IMAGE, WORD_LEN, WORD_LIGHT, WORD_MAP, WORD_MAPSIZE, WORD_MAPVIEW, WORD_MAPWIND, WORD_MAT, WORD_MOD, WORD_MOV,
-    WORD_MSK, WORD_NON, WORD_OBJ, WORD_OPT, WORD_PAL, WORD_PARTS, WORD_PLT, WORD_PNT, WORD_POINT, WORD_POLY,
-    WORD_PRIM, WORD_PRIVATE, WORD_PXN, WORD_PXS, WORD_RED, WORD_REF, WORD_RFR, WORD_RGB, WORD_RLN, WORD_ROTX,
-    WORD_ROTY, WORD_ROTZ, WORD_SCAL, WORD_SCR, WORD_SHADE, WORD_SPC, WORD_SPOT, WORD_STAR, WORD_STOP, WORD_SUF,
-    WORD_TARGET, WORD_TRA, WORD_TRP, WORD_UVPOLY, WORD_UVSHADE, WORD_VEC,
+    WORD_AMB,
+    WORD_ATR,
+    WORD_ATT,
+    WORD_BACK,
+    WORD_BLU,
+    WORD_BUMPMAP,
+    WORD_CMP,
+    WORD_COL,
+    WORD_COLORMAP,
+    WORD_CST,
+    WORD_DEG,
+    WORD_DEPTH,
+    WORD_DIF,
+    WORD_DST,
+    WORD_ENV,
+    WORD_EYE,
+    WORD_FRAM,
+    WORD_FRM,
+    WORD_GLAD,
+    WORD_HSV,
+    WORD_IMAGE,
+    WORD_LEN,
+    WORD_LIGHT,
+    WORD_MAP,
+    WORD_MAPSIZE,
+    WORD_MAPVIEW,
+    WORD_MAPWIND,
+    WORD_MAT,
+    WORD_MOD,
+    WORD_MOV,
+    WORD_MSK,
+    WORD_NON,
+    WORD_OBJ,
+    WORD_OPT,
+    WORD_PAL,
+    WORD_PARTS,
+    WORD_PLT,
+    WORD_PNT,
+    WORD_POINT,
+    WORD_POLY,
+    WORD_PRIM,
+    WORD_PRIVATE,
+    WORD_PXN,
+    WORD_PXS,
+    WORD_RED,
+    WORD_REF,
+    WORD_RFR,
+    WORD_RGB,
+    WORD_RLN,
+    WORD_ROTX,
+    WORD_ROTY,
+    WORD_ROTZ,
+    WORD_SCAL,
+    WORD_SCR,
+    WORD_SHADE,
+    WORD_SPC,
+    WORD_SPOT,
+    WORD_STAR,
+    WORD_STOP,
+    WORD_SUF,
+    WORD_TARGET,
+    WORD_TRA,
+    WORD_TRP,
+    WORD_UVPOLY,
+    WORD_UVSHADE,
+    WORD_VEC,
     WORD_COUNT,
     TOKEN_LEFT_PAREN = 200,
     TOKEN_RIGHT_PAREN = 201,
@@ -29,7 +88,8 @@ enum ReaderToken : std::int32_t {
 
 inline constexpr std::size_t READER_NAME_BYTES = 31;
 
-// A reader's messages: code, text with at most one "%s", severity (1 warning, 10 construct, 20 end of the read).
+// A reader's messages: code, text with at most one "%s", severity (1 warning, 10 construct, 20 end of the
+// read).
 struct ReaderMessage {
     std::int32_t code;
     const char* text;
@@ -39,9 +99,10 @@ struct ReaderMessage {
 extern std::int32_t ReaderSeverity;
 inline constexpr std::int32_t SEVERITY_CONSTRUCT = 10;
 inline constexpr std::int32_t SEVERITY_END = 20;
-// Shows "file line : message   next token=token" as a warning; the last row of a table serves unknown codes. Returns the
-// severity.
-std::int32_t ReaderReport(std::span<const ReaderMessage> table, std::int32_t code, std::string_view argument = "");
+// Shows "file line : message   next token=token" as a warning; the last row of a table serves unknown codes.
+// Returns the severity.
+std::int32_t ReaderReport(std::span<const ReaderMessage> table, std::int32_t code,
+                          std::string_view argument = "");
 std::int32_t ReaderReportText(std::string_view text, std::int32_t severity);
 
 // The scanner's own messages.
@@ -83,8 +144,9 @@ bool ShapeOpen(std::string_view path);
 void ShapeNext();
 // Skips the current token when it is this one.
 bool ShapeAccept(std::int32_t token);
-// The reader's fast path, behind the current token and without making tokens: `most` coordinates, truncated and clamped to
-// ±32767 (`clamped` tells). Returns how many there were; when fewer, the token that is no number is current.
+// The reader's fast path, behind the current token and without making tokens: `most` coordinates, truncated
+// and clamped to ±32767 (`clamped` tells). Returns how many there were; when fewer, the token that is no
+// number is current.
 std::size_t ShapeIntegers(std::int16_t* values, std::size_t most, bool& clamped);
 // True, with it as the current token, when a `)` comes next.
 bool ShapeAtRightParen();

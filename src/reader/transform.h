@@ -5,8 +5,8 @@
 
 namespace quelmark {
 
-// Reads `mov ( x y z )`, `scal`, `rotx`, `roty`, `rotz`, `mat ( sixteen numbers, rows )` as long as there are any; they apply to
-// a point in the order written. False after a fault.
+// Reads `mov ( x y z )`, `scal`, `rotx`, `roty`, `rotz`, `mat ( sixteen numbers, rows )` as long as there are
+// any; they apply to a point in the order written. False after a fault.
 bool ReadTransforms(Matrix& matrix);
 
 }  // namespace quelmark

@@ -24,7 +24,8 @@ char16_t Decode(std::string_view text, std::size_t& length) {
     }
     const unsigned row = lead <= 0x9F ? lead - 0x81U : lead - 0xC1U;
     const char16_t unicode = CP932_DOUBLES[row * 189 + (trail - 0x40U)];
-    length = unicode == 0 && trail < 0x80 ? 1 : 2;  // an ASCII byte after a broken lead byte stands for itself
+    length =
+        unicode == 0 && trail < 0x80 ? 1 : 2;  // an ASCII byte after a broken lead byte stands for itself
     return unicode == 0 ? REPLACEMENT : unicode;
 }
 

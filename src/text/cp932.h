@@ -1,5 +1,6 @@
 // Text inside the program is cp932 (Shift-JIS) bytes; source files are UTF-8. One table serves the
-// compile-time literal "…"_sjis (text/sjis.h) and these conversions at the edge to the window and file systems.
+// compile-time literal "…"_sjis (text/sjis.h) and these conversions at the edge to the window and file
+// systems.
 #pragma once
 
 #include <cstddef>

@@ -43,11 +43,12 @@ struct DirectoryClose {
     void operator()(DIR* directory) const { ::closedir(directory); }
 };
 
-// The entry of a directory whose name differs from `name` in case at most; empty when there is none. Of several the
-// first in byte order, so that the answer does not depend on the file system.
+// The entry of a directory whose name differs from `name` in case at most; empty when there is none. Of
+// several the first in byte order, so that the answer does not depend on the file system.
 std::string EntryBesideCase(const std::string& directory, std::string_view name) {
     std::string found;
-    const std::unique_ptr<DIR, DirectoryClose> entries(::opendir(directory.empty() ? "." : directory.c_str()));
+    const std::unique_ptr<DIR, DirectoryClose> entries(
+        ::opendir(directory.empty() ? "." : directory.c_str()));
     while (entries) {
         const dirent* entry = ::readdir(entries.get());
         if (entry == nullptr) {
@@ -66,7 +67,8 @@ std::optional<std::string> Plain(std::string_view scriptPath) {
         scriptPath.remove_prefix(2);
     }
     std::string slashes(scriptPath);
-    for (std::size_t at = FindFirstOf(slashes, "\\"); at != std::string::npos; at = FindFirstOf(slashes, "\\", at + 1)) {
+    for (std::size_t at = FindFirstOf(slashes, "\\"); at != std::string::npos;
+         at = FindFirstOf(slashes, "\\", at + 1)) {
         slashes[at] = '/';
     }
     if (slashes.find('\0') != std::string::npos) {
@@ -109,7 +111,8 @@ std::optional<std::string> ScriptPath(std::string_view hostPath) {
     if (!text) {
         return std::nullopt;
     }
-    for (std::size_t at = FindFirstOf(*text, "/"); at != std::string::npos; at = FindFirstOf(*text, "/", at + 1)) {
+    for (std::size_t at = FindFirstOf(*text, "/"); at != std::string::npos;
+         at = FindFirstOf(*text, "/", at + 1)) {
         (*text)[at] = '\\';
     }
     if (text->starts_with('\\')) {

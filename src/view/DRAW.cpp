@@ -46,8 +46,8 @@ Pass pass;
 
 constexpr std::int32_t FAR_AWAY = 1 << 28;  // beyond every frame, and safe to add a centre to
 
-// The exact scale of a redraw: numerator and denominator as doubles, whose quotient of two 32-bit integers truncates as the
-// integers' own would.
+// The exact scale of a redraw: numerator and denominator as doubles, whose quotient of two 32-bit integers
+// truncates as the integers' own would.
 struct Scale {
     double numerator, denominator;
     bool plain;  // enlarging, and nothing can leave 32 bits
@@ -62,7 +62,8 @@ Scale CurrentScale() {
 }
 
 std::int32_t ScaledFar(std::int32_t coordinate, int axis) {
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(ViewScaled(coordinate, axis), -FAR_AWAY, FAR_AWAY));
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(ViewScaled(coordinate, axis), -FAR_AWAY, FAR_AWAY));
 }
 
 // True when some coordinate lies so far away that only the careful path keeps its lines exact.
@@ -124,11 +125,12 @@ void DrawFlatOutline(std::size_t count, const FlatView& view, std::uint8_t colou
     const Projected& p = pass.projected;
     const std::int32_t left = view.centreX + p.low[view.right], right = view.centreX + p.high[view.right];
     const std::int32_t top = view.centreY - p.high[view.up], bottom = view.centreY - p.low[view.up];
-    if (right < view.clip.left || left >= view.clip.right || bottom < view.clip.top || top >= view.clip.bottom) {
+    if (right < view.clip.left || left >= view.clip.right || bottom < view.clip.top ||
+        top >= view.clip.bottom) {
         return;
     }
-    const bool inside =
-        left >= view.clip.left && right < view.clip.right && top >= view.clip.top && bottom < view.clip.bottom;
+    const bool inside = left >= view.clip.left && right < view.clip.right && top >= view.clip.top &&
+                        bottom < view.clip.bottom;
     const std::int32_t* across = p.axis[view.right];
     const std::int32_t* upward = p.axis[view.up];
     std::int32_t x0 = view.centreX + across[count - 1];
@@ -192,7 +194,8 @@ void DrawFlatMarks(const PolygonRecord& polygon, const FlatView& view, std::uint
         }
     }
     if (ViewState.visiblePolyVector != 0) {
-        DrawVector(view.clip, project(MiddleOf(polygon)), polygon.normal[view.right], polygon.normal[view.up]);
+        DrawVector(view.clip, project(MiddleOf(polygon)), polygon.normal[view.right],
+                   polygon.normal[view.up]);
     }
 }
 
@@ -202,9 +205,11 @@ void DrawFlatMarks(const PolygonRecord& polygon, const FlatView& view, std::uint
 bool FacesViewer(const PolygonRecord& polygon) {
     const Matrix& inverse = ViewState.perspectiveInverse;
     const ModelPoint p = ViewConverted(polygon.vertex[0]);
-    const double towards[3] = {static_cast<double>(inverse.row[3][0]) - p.x, static_cast<double>(inverse.row[3][1]) - p.y,
+    const double towards[3] = {static_cast<double>(inverse.row[3][0]) - p.x,
+                               static_cast<double>(inverse.row[3][1]) - p.y,
                                static_cast<double>(inverse.row[3][2]) - p.z};
-    return towards[0] * polygon.normal[0] + towards[1] * polygon.normal[1] + towards[2] * polygon.normal[2] > 0;
+    return towards[0] * polygon.normal[0] + towards[1] * polygon.normal[1] + towards[2] * polygon.normal[2] >
+           0;
 }
 
 void DrawPerspectiveMarks(const PolygonRecord& polygon, std::uint8_t colour) {
@@ -228,7 +233,8 @@ void DrawPerspectiveMarks(const PolygonRecord& polygon, std::uint8_t colour) {
     }
     const EyePoint middle = ViewToEye(MiddleOf(polygon));
     if (ViewState.visiblePolyVector != 0 && middle.x >= NEAR) {
-        DrawVector(pass.perspectiveClip, ViewProjectEye(middle), -turned(polygon.normal, 1), turned(polygon.normal, 2));
+        DrawVector(pass.perspectiveClip, ViewProjectEye(middle), -turned(polygon.normal, 1),
+                   turned(polygon.normal, 2));
     }
 }
 
@@ -256,7 +262,8 @@ void DrawPerspectiveOutline(const PolygonRecord& polygon, std::uint8_t colour) {
 void DrawPolygon(const PolygonRecord& polygon, std::uint8_t colour, const Scale& scale) {
     if (!pass.flat.empty()) {
         const bool far = ProjectFlat(polygon, scale);
-        const bool marks = (ViewState.visibleVertex | ViewState.visibleVector | ViewState.visiblePolyVector) != 0;
+        const bool marks =
+            (ViewState.visibleVertex | ViewState.visibleVector | ViewState.visiblePolyVector) != 0;
         for (const FlatView& view : pass.flat) {
             if (far) {
                 DrawFarOutline(polygon, view, colour);
@@ -274,7 +281,9 @@ void DrawPolygon(const PolygonRecord& polygon, std::uint8_t colour, const Scale&
 }
 
 std::uint8_t AttributeColour(std::int16_t attribute) {
-    return attribute >= 0 && attribute < AttributeCount ? static_cast<std::uint8_t>(AttrTable[attribute].code & 15) : 7;
+    return attribute >= 0 && attribute < AttributeCount
+               ? static_cast<std::uint8_t>(AttrTable[attribute].code & 15)
+               : 7;
 }
 
 void DrawModel() {
@@ -297,7 +306,8 @@ void DrawModel() {
             DrawPolygon(*polygon, AttributeColour(polygon->attr), scale);
         }
     }
-    for (PolygonRecord* polygon = selected ? PolygonTop() : nullptr; polygon != nullptr; polygon = PolygonNext(polygon)) {
+    for (PolygonRecord* polygon = selected ? PolygonTop() : nullptr; polygon != nullptr;
+         polygon = PolygonNext(polygon)) {
         if (polygon->select != 0 && (polygon->flags & POLYGON_INVISIBLE) == 0) {
             DrawPolygon(*polygon, COLOUR_SELECTED, scale);
         }
@@ -306,13 +316,15 @@ void DrawModel() {
 
 // Lines at every multiple of the spacing on one axis of a view.
 void DrawGridLines(const FlatView& view, int axis, bool vertical) {
-    const PixelRect inner{view.clip.left + GRID_MARGIN, view.clip.top + GRID_MARGIN, view.clip.right - GRID_MARGIN,
-                          view.clip.bottom - GRID_MARGIN};
+    const PixelRect inner{view.clip.left + GRID_MARGIN, view.clip.top + GRID_MARGIN,
+                          view.clip.right - GRID_MARGIN, view.clip.bottom - GRID_MARGIN};
     if (IsEmpty(inner)) {
         return;
     }
     const std::int64_t spacing = ViewState.gridSpacing;
-    const std::int64_t c = axis == 0 ? ViewState.centre.x : axis == 1 ? ViewState.centre.y : ViewState.centre.z;
+    const std::int64_t c = axis == 0   ? ViewState.centre.x
+                           : axis == 1 ? ViewState.centre.y
+                                       : ViewState.centre.z;
     const std::int64_t reach = std::int64_t{vertical ? inner.right - inner.left : inner.bottom - inner.top} *
                                ViewState.denominator / ViewState.numerator;
     for (std::int64_t k = (c - reach) / spacing - 1; k <= (c + reach) / spacing + 1; ++k) {
@@ -335,8 +347,8 @@ void DrawGround(const FlatView& view) {
 
 FlatView FlatViewOf(std::int32_t bit) {
     const ViewRecord& record = Views[ViewIndex(bit)];
-    return {Intersection(record.Rect(), ViewFrame.Bounds()), record.centreX, record.centreY, bit == WIN_YZ ? 1 : 0,
-            bit == WIN_XY ? 1 : 2};
+    return {Intersection(record.Rect(), ViewFrame.Bounds()), record.centreX, record.centreY,
+            bit == WIN_YZ ? 1 : 0, bit == WIN_XY ? 1 : 2};
 }
 
 void PreparePass(std::int32_t mask) {
@@ -368,8 +380,12 @@ bool ProjectEyeLine(EyePoint from, EyePoint to, PanePoint& a, PanePoint& b) {
     return true;
 }
 
-void ViewEnableDrawing(bool on) { drawing = on; }
-bool ViewDrawingEnabled() { return drawing; }
+void ViewEnableDrawing(bool on) {
+    drawing = on;
+}
+bool ViewDrawingEnabled() {
+    return drawing;
+}
 
 void ViewRedrawMask(std::int32_t mask, bool clear) {
     mask &= VisibleViews;
@@ -458,7 +474,8 @@ PolygonRecord* ViewPick(std::int32_t x, std::int32_t y, std::int32_t reach) {
     const std::int32_t view = ViewAt(x, y);
     PolygonRecord* nearest = nullptr;
     double best = reach;
-    for (PolygonRecord* polygon = view == 0 ? nullptr : PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
+    for (PolygonRecord* polygon = view == 0 ? nullptr : PolygonTop(); polygon != nullptr;
+         polygon = PolygonNext(polygon)) {
         if ((polygon->flags & POLYGON_INVISIBLE) != 0 ||
             (view == WIN_PERS && ViewState.frontOnly && !FacesViewer(*polygon))) {
             continue;

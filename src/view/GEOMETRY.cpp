@@ -44,8 +44,9 @@ void PlaceViews() {
 }
 
 std::int32_t ConvertedAxis(const FixedMatrix& m, const VertexRecord& v, int axis) {
-    const std::int32_t sum = WrapAdd(WrapAdd(WrapMultiply(v.x, m.element[0][axis]), WrapMultiply(v.y, m.element[1][axis])),
-                                     WrapMultiply(v.z, m.element[2][axis]));
+    const std::int32_t sum =
+        WrapAdd(WrapAdd(WrapMultiply(v.x, m.element[0][axis]), WrapMultiply(v.y, m.element[1][axis])),
+                WrapMultiply(v.z, m.element[2][axis]));
     return WrapAdd(sum >> 16, m.translation[axis]);
 }
 
@@ -55,7 +56,9 @@ std::int32_t Limit(double value) {
 
 }  // namespace
 
-void ViewSetDamageHook(DamageHook hook) { damageHook = hook; }
+void ViewSetDamageHook(DamageHook hook) {
+    damageHook = hook;
+}
 
 void ViewDamage(const PixelRect& rect) {
     const PixelRect inside = Intersection(rect, ViewFrame.Bounds());
@@ -118,7 +121,8 @@ std::int32_t ViewIndex(std::int32_t bit) {
 std::int32_t ViewAt(std::int32_t x, std::int32_t y) {
     for (std::int32_t i = 0; i < VIEW_COUNT; ++i) {
         const PixelRect rect = Views[i].Rect();
-        if ((VisibleViews & 1 << i) != 0 && rect.left <= x && x < rect.right && rect.top <= y && y < rect.bottom) {
+        if ((VisibleViews & 1 << i) != 0 && rect.left <= x && x < rect.right && rect.top <= y &&
+            y < rect.bottom) {
             return 1 << i;
         }
     }
@@ -129,7 +133,8 @@ void ViewSetZoom(std::int32_t zoom, std::int32_t step) {
     ViewState.numerator = std::max(zoom, 1);
     ViewState.denominator = zoom <= -1 ? WrapSubtract(0, std::max(zoom, -2147483647)) : 1;
     const std::int64_t pixels = std::int64_t{STEP_PIXELS} * ViewState.denominator / ViewState.numerator;
-    ViewState.moveStep = step != 0 ? step : static_cast<std::int32_t>(std::min<std::int64_t>(pixels, 2147483647));
+    ViewState.moveStep =
+        step != 0 ? step : static_cast<std::int32_t>(std::min<std::int64_t>(pixels, 2147483647));
 }
 
 std::int32_t ViewSetAngle(std::int32_t angle) {
@@ -138,7 +143,8 @@ std::int32_t ViewSetAngle(std::int32_t angle) {
         ViewState.angle = angle;
     }
     const double half = std::tan((ViewState.angle / 2) * DEGREE);
-    const double distance = half > 0 ? (Views[3].width / 2) / half : Views[3].width / 2 / std::tan(0.5 * DEGREE);
+    const double distance =
+        half > 0 ? (Views[3].width / 2) / half : Views[3].width / 2 / std::tan(0.5 * DEGREE);
     ViewState.focalDistance = Limit(distance);
     return before;
 }
@@ -198,8 +204,9 @@ std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const Mode
     ModelPoint point = depth;
     if (view != WIN_PERS) {
         const auto unscaled = [](std::int32_t pixels, std::int32_t centre) {
-            return Limit(static_cast<double>(centre) +
-                         std::trunc(static_cast<double>(pixels) * ViewState.denominator / ViewState.numerator));
+            return Limit(
+                static_cast<double>(centre) +
+                std::trunc(static_cast<double>(pixels) * ViewState.denominator / ViewState.numerator));
         };
         const std::int32_t right = x - record.centreX;
         const std::int32_t up = record.centreY - y;
@@ -216,7 +223,8 @@ std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const Mode
     const double eye[3] = {eyeX, (record.centreX - x) * scale, (record.centreY - y) * scale};
     const auto& m = ViewState.perspectiveInverse.row;
     const auto axis = [&](int i) {
-        return Limit(std::nearbyint(eye[0] * static_cast<double>(m[0][i]) + eye[1] * static_cast<double>(m[1][i]) +
+        return Limit(std::nearbyint(eye[0] * static_cast<double>(m[0][i]) +
+                                    eye[1] * static_cast<double>(m[1][i]) +
                                     eye[2] * static_cast<double>(m[2][i]) + static_cast<double>(m[3][i])));
     };
     return ModelPoint{axis(0), axis(1), axis(2)};

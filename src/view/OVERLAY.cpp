@@ -33,7 +33,8 @@ bool SameScreenLine(const ScreenLine& l, const ScreenLine& r) {
 void DrawScreenLines(std::vector<ScreenLine>& lines, const PixelRect& clip, Ink ink) {
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const auto earlier = lines.begin() + static_cast<std::ptrdiff_t>(i);
-        if (std::none_of(lines.begin(), earlier, [&](const ScreenLine& l) { return SameScreenLine(l, lines[i]); })) {
+        if (std::none_of(lines.begin(), earlier,
+                         [&](const ScreenLine& l) { return SameScreenLine(l, lines[i]); })) {
             DrawLine(ViewFrame, clip, lines[i].a, lines[i].b, COLOUR_LINE, ink);
         }
     }
@@ -107,7 +108,9 @@ std::int32_t Snapped(std::int32_t value, std::int32_t snap) {
 
 }  // namespace
 
-void OverlayReset() { items.clear(); }
+void OverlayReset() {
+    items.clear();
+}
 
 void OverlayToggle() {
     for (const Item& item : items) {
@@ -147,7 +150,9 @@ void OverlayPaneLines(const std::vector<ModelLine>& lines) {
     DamageViews();
 }
 
-ModelPoint CursorPosition() { return cursor; }
+ModelPoint CursorPosition() {
+    return cursor;
+}
 
 void CursorMove(const ModelPoint& position) {
     if (cursorShown && pauses == 0) {
@@ -172,7 +177,9 @@ bool CursorShow(bool shown) {
     return before;
 }
 
-bool CursorShown() { return cursorShown; }
+bool CursorShown() {
+    return cursorShown;
+}
 
 bool CursorTrack(std::int32_t x, std::int32_t y) {
     const auto point = ViewPointAt(x, y, cursor);

@@ -1,5 +1,5 @@
-// What lies over the model by exclusive-or: lines and boxes of scripts, which a redraw draws again until they are drawn a second
-// time or cleared, and the 3-D cursor.
+// What lies over the model by exclusive-or: lines and boxes of scripts, which a redraw draws again until they
+// are drawn a second time or cleared, and the 3-D cursor.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,8 @@ struct ModelLine {
 };
 
 void OverlayReset();
-// Lines in model space, in every visible view; screen lines of one call that coincide are drawn once. LINE_OR lines are part of the
-// picture, LINE_XOR lines of the overlay.
+// Lines in model space, in every visible view; screen lines of one call that coincide are drawn once. LINE_OR
+// lines are part of the picture, LINE_XOR lines of the overlay.
 void OverlayModelLines(const std::vector<ModelLine>& lines, LineMode mode);
 // Lines between pane points (x and y of the points), inside the views.
 void OverlayPaneLines(const std::vector<ModelLine>& lines);

@@ -24,8 +24,8 @@ void Put(std::uint8_t* pixel, std::uint8_t colour) {
 
 // `count` + 1 pixels: each step goes `along`, and `across` as well whenever the error runs over.
 template <Ink ink>
-void Run(std::uint8_t* pixel, std::int64_t count, std::ptrdiff_t along, std::ptrdiff_t across, std::int64_t error,
-         std::int64_t rise, std::int64_t run, std::uint8_t colour) {
+void Run(std::uint8_t* pixel, std::int64_t count, std::ptrdiff_t along, std::ptrdiff_t across,
+         std::int64_t error, std::int64_t rise, std::int64_t run, std::uint8_t colour) {
     Put<ink>(pixel, colour);
     while (count-- > 0) {
         error += rise;
@@ -41,14 +41,16 @@ Wide FloorDivide(Wide a, Wide b) {
     return a % b < 0 ? quotient - 1 : quotient;
 }
 
-// A line along its major axis u from the smaller u on; v is the other axis. At step k the pixel is v0 + sign · floor((2·rise·k +
-// length) / (2·length)).
+// A line along its major axis u from the smaller u on; v is the other axis. At step k the pixel is v0 + sign
+// · floor((2·rise·k + length) / (2·length)).
 struct MajorLine {
     Wide u0, v0;
     Wide length, rise;  // both at least 0, rise <= length
     std::int32_t sign;
 
-    Wide StepsAcross(Wide k) const { return length == 0 ? 0 : FloorDivide(2 * rise * k + length, 2 * length); }
+    Wide StepsAcross(Wide k) const {
+        return length == 0 ? 0 : FloorDivide(2 * rise * k + length, 2 * length);
+    }
     // The first step that has gone `across` pixels.
     Wide FirstStep(Wide across) const {
         const Wide needed = 2 * length * across - length;
@@ -75,7 +77,8 @@ bool CutAcross(const MajorLine& line, Wide low, Wide high, Wide& first, Wide& la
 }
 
 template <Ink ink>
-void DrawMajor(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint b, bool steep, std::uint8_t colour) {
+void DrawMajor(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint b, bool steep,
+               std::uint8_t colour) {
     if (steep) {
         std::swap(a.x, a.y);
         std::swap(b.x, b.y);
@@ -84,12 +87,14 @@ void DrawMajor(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint
         std::swap(a, b);
     }
     const Wide delta = static_cast<Wide>(b.y) - a.y;
-    const MajorLine line{a.x, a.y, static_cast<Wide>(b.x) - a.x, delta < 0 ? -delta : delta, delta < 0 ? -1 : 1};
+    const MajorLine line{a.x, a.y, static_cast<Wide>(b.x) - a.x, delta < 0 ? -delta : delta,
+                         delta < 0 ? -1 : 1};
     const Wide uLow = steep ? clip.top : clip.left;
     const Wide uHigh = steep ? clip.bottom : clip.right;
     Wide first = std::max<Wide>(0, uLow - line.u0);
     Wide last = std::min<Wide>(line.length, uHigh - 1 - line.u0);
-    if (first > last || !CutAcross(line, steep ? clip.left : clip.top, steep ? clip.right : clip.bottom, first, last)) {
+    if (first > last ||
+        !CutAcross(line, steep ? clip.left : clip.top, steep ? clip.right : clip.bottom, first, last)) {
         return;
     }
     const Wide across = line.StepsAcross(first);
@@ -97,14 +102,15 @@ void DrawMajor(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint
     const auto v = static_cast<std::int32_t>(line.v0 + line.sign * across);
     std::uint8_t* pixel = steep ? frame.Row(u) + v : frame.Row(v) + u;
     const Wide error = 2 * line.rise * first + line.length - 2 * line.length * across;
-    // Far ends make the numbers too large for the loop's: scaled down together they still step at the same pixels only when
-    // exact, so such a line is stepped by the formula.
+    // Far ends make the numbers too large for the loop's: scaled down together they still step at the same
+    // pixels only when exact, so such a line is stepped by the formula.
     constexpr Wide LIMIT = Wide{1} << 60;
     const std::ptrdiff_t along = steep ? frame.stride : 1;
     const std::ptrdiff_t side = (steep ? 1 : frame.stride) * line.sign;
     if (2 * line.length < LIMIT) {
-        Run<ink>(pixel, static_cast<std::int64_t>(last - first), along, side, static_cast<std::int64_t>(error),
-                 static_cast<std::int64_t>(2 * line.rise), static_cast<std::int64_t>(2 * line.length), colour);
+        Run<ink>(pixel, static_cast<std::int64_t>(last - first), along, side,
+                 static_cast<std::int64_t>(error), static_cast<std::int64_t>(2 * line.rise),
+                 static_cast<std::int64_t>(2 * line.length), colour);
         return;
     }
     Wide gone = across;
@@ -132,7 +138,8 @@ bool Inside(const PixelRect& rect, const PanePoint& point) {
 }  // namespace
 
 PixelRect Intersection(const PixelRect& a, const PixelRect& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right), std::min(a.bottom, b.bottom)};
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
 }
 
 void FrameBuffer::Resize(std::int32_t newWidth, std::int32_t newHeight) {
@@ -196,7 +203,8 @@ void DrawLineInside(FrameBuffer& frame, std::int32_t x0, std::int32_t y0, std::i
     }
 }
 
-void DrawLine(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint b, std::uint8_t colour, Ink ink) {
+void DrawLine(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint b, std::uint8_t colour,
+              Ink ink) {
     if (IsEmpty(clip)) {
         return;
     }

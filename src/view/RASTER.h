@@ -1,5 +1,5 @@
-// The frame buffer and exact lines in it. The pixels of a clipped line are those that the whole line has inside the
-// rectangle, and a line has the same pixels in both directions.
+// The frame buffer and exact lines in it. The pixels of a clipped line are those that the whole line has
+// inside the rectangle, and a line has the same pixels in both directions.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,9 @@ namespace quelmark {
 struct PixelRect {
     std::int32_t left, top, right, bottom;
 };
-constexpr bool IsEmpty(const PixelRect& rect) { return rect.left >= rect.right || rect.top >= rect.bottom; }
+constexpr bool IsEmpty(const PixelRect& rect) {
+    return rect.left >= rect.right || rect.top >= rect.bottom;
+}
 PixelRect Intersection(const PixelRect& a, const PixelRect& b);
 
 // A point of the pane; far outside it after a large zoom.

@@ -1,5 +1,5 @@
-// The four views: layout, settings and redraw into one 8-bit frame buffer of palette indices. Three orthographic views
-// share a centre and an integer zoom; the perspective view has a matrix and an angle.
+// The four views: layout, settings and redraw into one 8-bit frame buffer of palette indices. Three
+// orthographic views share a centre and an integer zoom; the perspective view has a matrix and an angle.
 #pragma once
 
 #include <array>
@@ -67,8 +67,8 @@ void ViewDamage(const PixelRect& rect);
 // Start values, an empty frame, drawing off.
 void ViewInit();
 void ViewExit();
-// The drawing pane's client size and the window's text line height: lays the views out with the mask unchanged and gives the
-// frame that size. Sizes are limited to 1 … 16384.
+// The drawing pane's client size and the window's text line height: lays the views out with the mask
+// unchanged and gives the frame that size. Sizes are limited to 1 … 16384.
 void ViewLayout(std::int32_t width, std::int32_t height, std::int32_t lineHeight);
 // Stores the mask, lays out again and redraws everything.
 void ViewSetMask(std::int32_t mask);
@@ -96,8 +96,9 @@ struct EyePoint {
 EyePoint ViewToEye(const ModelPoint& point);
 // Pane position of an eye-space point with x >= 1.
 PanePoint ViewProjectEye(const EyePoint& point);
-// The model point under a pane point in its view: in an orthographic view the third coordinate is `depth`'s, in the
-// perspective view it lies parallel to the screen at the depth of `depth`. Nothing outside the visible views.
+// The model point under a pane point in its view: in an orthographic view the third coordinate is `depth`'s,
+// in the perspective view it lies parallel to the screen at the depth of `depth`. Nothing outside the visible
+// views.
 std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth);
 
 // Off at start and at shut-down: then redraws do nothing.
@@ -108,12 +109,14 @@ void ViewRedraw(const PixelRect& area, bool clear);
 inline constexpr PixelRect WHOLE_AREA{0, 0, 4096, 4096};
 // Only the views of the mask that are visible.
 void ViewRedrawMask(std::int32_t mask, bool clear);
-// Fills the views with the background (true), or erases the overlay only (false); the overlay is dropped in both cases.
+// Fills the views with the background (true), or erases the overlay only (false); the overlay is dropped in
+// both cases.
 void ViewClear(bool fill);
 // The outline of CurrentPolygon, by exclusive-or when asked. False when there is nothing to draw.
 bool ViewDrawCurrent(bool exclusiveOr);
 
-// A pick: the visible polygon whose outline passes nearest to a pane point, at most `reach` pixels away; null when none does.
+// A pick: the visible polygon whose outline passes nearest to a pane point, at most `reach` pixels away; null
+// when none does.
 PolygonRecord* ViewPick(std::int32_t x, std::int32_t y, std::int32_t reach);
 
 }  // namespace quelmark

@@ -13,10 +13,10 @@ struct Row {
 
 // Page Up rolls down and Page Down rolls up, End undoes and Num Lock clears: chosen on purpose.
 constexpr Row SPECIAL[] = {
-    {Qt::Key_PageUp, 0x8011}, {Qt::Key_PageDown, 0x8010}, {Qt::Key_End, 0x801B},    {Qt::Key_Home, 0x801A},
-    {Qt::Key_Left, 0x8015},   {Qt::Key_Up, 0x8014},       {Qt::Key_Right, 0x8016},  {Qt::Key_Down, 0x8017},
-    {Qt::Key_Insert, 0x8012}, {Qt::Key_Delete, 0x8013},   {Qt::Key_Help, 0x8019},   {Qt::Key_NumLock, 0x8018},
-    {Qt::Key_Escape, 27},     {Qt::Key_Backspace, 8},     {Qt::Key_Return, 13},     {Qt::Key_Tab, 9},
+    {Qt::Key_PageUp, 0x8011}, {Qt::Key_PageDown, 0x8010}, {Qt::Key_End, 0x801B},   {Qt::Key_Home, 0x801A},
+    {Qt::Key_Left, 0x8015},   {Qt::Key_Up, 0x8014},       {Qt::Key_Right, 0x8016}, {Qt::Key_Down, 0x8017},
+    {Qt::Key_Insert, 0x8012}, {Qt::Key_Delete, 0x8013},   {Qt::Key_Help, 0x8019},  {Qt::Key_NumLock, 0x8018},
+    {Qt::Key_Escape, 27},     {Qt::Key_Backspace, 8},     {Qt::Key_Return, 13},    {Qt::Key_Tab, 9},
     {Qt::Key_Backtab, 9},     {Qt::Key_Space, 32},
 };
 constexpr Row KEYPAD[] = {

@@ -27,10 +27,12 @@ constexpr std::uint8_t FRAME_COLOUR = 13;
 
 // A fixed-pitch font in which a half-width character is half a full-width one.
 QFont JapaneseFont() {
-    const QStringList wanted = {"IPAGothic", "IPA Gothic", "IPAゴシック", "VL Gothic", "Noto Sans Mono CJK JP"};
+    const QStringList wanted = {"IPAGothic", "IPA Gothic", "IPAゴシック", "VL Gothic",
+                                "Noto Sans Mono CJK JP"};
     const QStringList families = QFontDatabase::families();
     QFont font;
-    const auto found = std::ranges::find_if(wanted, [&](const QString& name) { return families.contains(name); });
+    const auto found =
+        std::ranges::find_if(wanted, [&](const QString& name) { return families.contains(name); });
     font.setFamily(found != wanted.end() ? *found : QStringLiteral("monospace"));
     font.setStyleHint(QFont::Monospace);
     font.setFixedPitch(true);
@@ -43,7 +45,9 @@ QString ToText(std::string_view cp932) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
-QRect ToRect(const PixelRect& rect) { return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top}; }
+QRect ToRect(const PixelRect& rect) {
+    return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
+}
 
 QElapsedTimer& Clock() {
     static QElapsedTimer clock;
@@ -103,7 +107,9 @@ bool QtWindow::TakeBreakKey() {
     return true;
 }
 
-std::uint32_t QtWindow::Milliseconds() { return static_cast<std::uint32_t>(Clock().elapsed()); }
+std::uint32_t QtWindow::Milliseconds() {
+    return static_cast<std::uint32_t>(Clock().elapsed());
+}
 
 bool QtWindow::event(QEvent* event) {
     // Tab is a key like any other here.
@@ -115,10 +121,12 @@ bool QtWindow::event(QEvent* event) {
 }
 
 void QtWindow::TakeShift(Qt::KeyboardModifiers modifiers) {
-    state_.shift = ((modifiers & Qt::ShiftModifier) != 0 ? 1 : 0) | ((modifiers & Qt::ControlModifier) != 0 ? 2 : 0);
+    state_.shift =
+        ((modifiers & Qt::ShiftModifier) != 0 ? 1 : 0) | ((modifiers & Qt::ControlModifier) != 0 ? 2 : 0);
 }
 
-// A character that follows its own key press in the same event is dropped by the caller; keys typed ahead wait in order.
+// A character that follows its own key press in the same event is dropped by the caller; keys typed ahead
+// wait in order.
 void QtWindow::PutKey(std::int32_t code, bool) {
     if (code != 0 && keys_.size() < KEYS_MOST) {
         keys_.push_back({code, state_.shift});
@@ -141,8 +149,10 @@ void QtWindow::keyPressEvent(QKeyEvent* event) {
 
 void QtWindow::keyReleaseEvent(QKeyEvent* event) {
     Qt::KeyboardModifiers modifiers = event->modifiers();
-    modifiers &= event->key() == Qt::Key_Shift ? ~Qt::KeyboardModifiers(Qt::ShiftModifier) : ~Qt::KeyboardModifiers();
-    modifiers &= event->key() == Qt::Key_Control ? ~Qt::KeyboardModifiers(Qt::ControlModifier) : ~Qt::KeyboardModifiers();
+    modifiers &=
+        event->key() == Qt::Key_Shift ? ~Qt::KeyboardModifiers(Qt::ShiftModifier) : ~Qt::KeyboardModifiers();
+    modifiers &= event->key() == Qt::Key_Control ? ~Qt::KeyboardModifiers(Qt::ControlModifier)
+                                                 : ~Qt::KeyboardModifiers();
     TakeShift(modifiers);
 }
 
@@ -161,9 +171,15 @@ void QtWindow::TakeMouse(const QMouseEvent& event) {
     TakeShift(event.modifiers());
 }
 
-void QtWindow::mousePressEvent(QMouseEvent* event) { TakeMouse(*event); }
-void QtWindow::mouseReleaseEvent(QMouseEvent* event) { TakeMouse(*event); }
-void QtWindow::mouseMoveEvent(QMouseEvent* event) { TakeMouse(*event); }
+void QtWindow::mousePressEvent(QMouseEvent* event) {
+    TakeMouse(*event);
+}
+void QtWindow::mouseReleaseEvent(QMouseEvent* event) {
+    TakeMouse(*event);
+}
+void QtWindow::mouseMoveEvent(QMouseEvent* event) {
+    TakeMouse(*event);
+}
 
 void QtWindow::wheelEvent(QWheelEvent* event) {
     state_.x = static_cast<std::int32_t>(event->position().x());
@@ -193,10 +209,14 @@ void QtWindow::resizeEvent(QResizeEvent*) {
 
 // ---- what is shown ----
 
-QColor QtWindow::Entry(std::uint8_t index) const { return QColor::fromRgb(palette_[index & 15]); }
+QColor QtWindow::Entry(std::uint8_t index) const {
+    return QColor::fromRgb(palette_[index & 15]);
+}
 
 void QtWindow::Invalidate(Pane pane) {
-    const PixelRect rect = pane == Pane::List ? ListRect() : pane == Pane::Status ? StatusRect() : MessageRect();
+    const PixelRect rect = pane == Pane::List     ? ListRect()
+                           : pane == Pane::Status ? StatusRect()
+                                                  : MessageRect();
     update(ToRect(rect));
 }
 
@@ -232,9 +252,13 @@ void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t gre
     }
 }
 
-void QtWindow::SetTitle(std::string_view title) { setWindowTitle(ToText(title)); }
+void QtWindow::SetTitle(std::string_view title) {
+    setWindowTitle(ToText(title));
+}
 
-void QtWindow::Beep() { QApplication::beep(); }
+void QtWindow::Beep() {
+    QApplication::beep();
+}
 
 // Palette indices to 32-bit pixels, in one pass.
 void QtWindow::ExpandFrame(const QRect& area) {
@@ -282,7 +306,8 @@ void QtWindow::PaintList(QPainter& painter) {
     for (const PaneRow& row : ListRows()) {
         const int top = row.row * lineHeight_;
         if (row.current) {
-            painter.fillRect(QRect(panel.left() + 2, top, panel.width() - 2, lineHeight_), Entry(FRAME_COLOUR));
+            painter.fillRect(QRect(panel.left() + 2, top, panel.width() - 2, lineHeight_),
+                             Entry(FRAME_COLOUR));
         }
         painter.setPen(Entry(row.heading ? PANE_HIGHLIGHT : PANE_TEXT));
         painter.drawText(left, top + ascent, ToText(row.text).trimmed());

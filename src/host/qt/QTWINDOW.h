@@ -1,5 +1,5 @@
-// The main window: shows the views' frame through the palette, paints the panes, reports input. Input is only recorded here; what
-// it means is decided when the wait step asks for it, so no script runs inside an event.
+// The main window: shows the views' frame through the palette, paints the panes, reports input. Input is only
+// recorded here; what it means is decided when the wait step asks for it, so no script runs inside an event.
 #pragma once
 
 #include <QFont>
@@ -69,8 +69,8 @@ class QtWindow final : public QWidget, public Window {
     std::deque<PendingKey> keys_;
     std::int32_t wheelRest_ = 0;  // eighths of a degree not yet a whole turn
     std::array<QRgb, 16> palette_{};
-    QImage picture_;      // the frame in 32 bits
-    QRegion stale_;       // of the picture
+    QImage picture_;  // the frame in 32 bits
+    QRegion stale_;   // of the picture
     std::int32_t characterWidth_ = 8, lineHeight_ = 16;
     bool hosted_ = false;
 };

@@ -21,7 +21,8 @@ bool HasDisplay() {
 
 int main(int argc, char** argv) {
     if (!HasDisplay()) {
-        std::fprintf(stderr, "quelmark: there is no display to open a window on; use quelmarkc, which needs none\n");
+        std::fprintf(stderr,
+                     "quelmark: there is no display to open a window on; use quelmarkc, which needs none\n");
         return 1;
     }
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);

@@ -1,5 +1,6 @@
-// The same program must do the same whatever instruction forms the compiler finds for it: random expressions and
-// loops are written with literals, with globals, with locals, with elements and through calls, and compared.
+// The same program must do the same whatever instruction forms the compiler finds for it: random expressions
+// and loops are written with literals, with globals, with locals, with elements and through calls, and
+// compared.
 #include <algorithm>
 #include <random>
 #include <string>
@@ -11,10 +12,12 @@
 namespace quelmark::test {
 namespace {
 
-constexpr const char* LITERALS[] = {"0",    "1",   "2",    "7",     "-1",    "33",       "65536", "2147483647", "-2147483648",
-                                    "0.0",  "0.5", "-2.5", "3.0",   "1e10",  "TRUE",     "FALSE", "\"\"",       "\"ab\"",
-                                    "\"7\"", "INT", "0",    "1",     "3",     "5"};
-constexpr const char* BINARY[] = {"+", "-", "*", "/", "%", "&", "|", "^", "<<", ">>", "<", ">", "<=", ">=", "==", "!="};
+constexpr const char* LITERALS[] = {"0",     "1",          "2",           "7",     "-1",   "33",
+                                    "65536", "2147483647", "-2147483648", "0.0",   "0.5",  "-2.5",
+                                    "3.0",   "1e10",       "TRUE",        "FALSE", "\"\"", "\"ab\"",
+                                    "\"7\"", "INT",        "0",           "1",     "3",    "5"};
+constexpr const char* BINARY[] = {"+",  "-",  "*", "/", "%",  "&",  "|",  "^",
+                                  "<<", ">>", "<", ">", "<=", ">=", "==", "!="};
 constexpr const char* UNARY[] = {"-", "!"};
 
 class Forms : public ScriptTest {
@@ -52,7 +55,8 @@ class Forms : public ScriptTest {
         return text;
     }
 
-    static std::vector<std::string> Names(const std::string& before, const std::string& behind, std::size_t count) {
+    static std::vector<std::string> Names(const std::string& before, const std::string& behind,
+                                          std::size_t count) {
         std::vector<std::string> names;
         for (std::size_t i = 0; i < count; ++i) {
             names.push_back(before + std::to_string(i) + behind);
@@ -89,19 +93,24 @@ class Forms : public ScriptTest {
             "var a[" + size + "];" + elements + "var r;" + Filled(body, Names("a[", "]", count)),
             "var a[" + size + "];" + elements + in("var r;" + Filled(body, Names("a[", "]", count))),
             in("var a[" + size + "];" + elements + "var r;" + Filled(body, Names("a[", "]", count))),
-            "function id(x) { return x; }" + in("var r;" + Filled(body, [&] {
-                std::vector<std::string> calls;
-                for (const std::string& operand : operands) {
-                    calls.push_back("id(" + operand + ")");
-                }
-                return calls;
-            }())),
-            "function f(" + parameters + ") { var r;" + Filled(body, Names("l", "", count)) + "} f(" + arguments + ");",
-            in("var l0 = " + (count > 0 ? operands[0] : "0") + ", z[3]; var r;" + Filled(body, [&] {
-                std::vector<std::string> names = operands;
-                names[0] = "l0";
-                return names;
-            }())),
+            "function id(x) { return x; }" +
+                in("var r;" + Filled(body,
+                                     [&] {
+                                         std::vector<std::string> calls;
+                                         for (const std::string& operand : operands) {
+                                             calls.push_back("id(" + operand + ")");
+                                         }
+                                         return calls;
+                                     }())),
+            "function f(" + parameters + ") { var r;" + Filled(body, Names("l", "", count)) + "} f(" +
+                arguments + ");",
+            in("var l0 = " + (count > 0 ? operands[0] : "0") + ", z[3]; var r;" +
+               Filled(body,
+                      [&] {
+                          std::vector<std::string> names = operands;
+                          names[0] = "l0";
+                          return names;
+                      }())),
         };
     }
 
@@ -136,8 +145,9 @@ TEST_F(Forms, ConditionsJumpTheSame) {
     for (int round = 0; round < 500; ++round) {
         std::vector<std::string> operands;
         const std::string expression = Expression(1 + static_cast<int>(random() % 2), operands);
-        CheckAllWays("r = 0; if (" + expression + ") print(1); else print(2); do r++; while (r < 3 & (" + expression +
-                         " == 1)); print(r); while (" + expression + ") { r = r + 1; if (r > 5) break; } print(r);",
+        CheckAllWays("r = 0; if (" + expression + ") print(1); else print(2); do r++; while (r < 3 & (" +
+                         expression + " == 1)); print(r); while (" + expression +
+                         ") { r = r + 1; if (r > 5) break; } print(r);",
                      operands);
         if (HasFatalFailure()) {
             return;
@@ -153,8 +163,8 @@ TEST_F(Forms, AssignmentsChangeTheSame) {
         const std::string start = Expression(0, operands);
         body = "r = " + start + "; print(r);";
         for (int step = 0; step < 3; ++step) {
-            body += std::string("r ") + Pick(OPERATIONS) + " " + Expression(1 + static_cast<int>(random() % 2), operands) +
-                    "; print(r);";
+            body += std::string("r ") + Pick(OPERATIONS) + " " +
+                    Expression(1 + static_cast<int>(random() % 2), operands) + "; print(r);";
         }
         CheckAllWays(body, operands);
         if (HasFatalFailure()) {
@@ -165,17 +175,20 @@ TEST_F(Forms, AssignmentsChangeTheSame) {
 
 TEST_F(Forms, LoopsTurnTheSame) {
     constexpr const char* COMPARES[] = {"<", ">", "<=", ">=", "!="};
-    constexpr const char* STEPS[] = {"r++", "r--", "r += 2", "r -= 3", "r += {2}", "r -= {2}", "r = r + {2}", "r += 1.5"};
+    constexpr const char* STEPS[] = {"r++",      "r--",      "r += 2",      "r -= 3",
+                                     "r += {2}", "r -= {2}", "r = r + {2}", "r += 1.5"};
     constexpr const char* STARTS[] = {"0", "9", "2147483640", "-2147483640", "0.5", "TRUE", "\"x\""};
-    constexpr const char* LIMITS[] = {"5", "0", "2147483646", "-2147483647", "7.5", "FALSE", "\"y\"", "100000"};
+    constexpr const char* LIMITS[] = {"5",   "0",     "2147483646", "-2147483647",
+                                      "7.5", "FALSE", "\"y\"",      "100000"};
     constexpr const char* AMOUNTS[] = {"1", "2", "-1", "40000", "0.5", "TRUE"};
     for (int round = 0; round < 500; ++round) {
         const std::vector<std::string> operands = {Pick(STARTS), Pick(LIMITS), Pick(AMOUNTS)};
         const std::string step = Pick(STEPS);
         const std::string compare = Pick(COMPARES);
-        CheckAllWays("var n = 0; for (r = {0}; r " + compare + " {1}; " + step +
-                         ") { print(r); n++; if (n > 6) break; if (n == 3) continue; print(\";\"); } print(\"/\", r);",
-                     operands);
+        CheckAllWays(
+            "var n = 0; for (r = {0}; r " + compare + " {1}; " + step +
+                ") { print(r); n++; if (n > 6) break; if (n == 3) continue; print(\";\"); } print(\"/\", r);",
+            operands);
         if (HasFatalFailure()) {
             return;
         }
