@@ -72,8 +72,11 @@ bool AttrDelete(std::int32_t attribute) {
     if (attribute < 0 || attribute > AttrLast || attribute >= AttributeCount) {
         return false;
     }
+    if (!TableDelete(AttrTable, attribute, AttrLast, AttrCurrent, &PolygonRecord::attr)) {
+        return false;
+    }
     ++AttrRevision;
-    return TableDelete(AttrTable, attribute, AttrLast, AttrCurrent, &PolygonRecord::attr);
+    return true;
 }
 
 std::uint16_t AttrCodeOfColour(const ColourTriple& colour) {

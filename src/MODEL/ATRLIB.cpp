@@ -1,7 +1,4 @@
 // Script functions of attributes.
-#include <iterator>
-#include <string>
-
 #include "MATLIB/SETVEC.h"
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
@@ -44,8 +41,8 @@ std::int32_t Count(std::int32_t, std::int32_t, DataCell*) {
 }
 
 std::int32_t Append(std::int32_t, std::int32_t argc, DataCell* argv) {
-    if (!IsString(argv[0]) || (argc > 2 && !IsString(argv[2]))) {
-        RuntimeError("%d番目の引数の型不正です(AttrAppend)"_sjis, IsString(argv[0]) ? 3 : 1);
+    if (argc > 2 && !IsString(argv[2])) {
+        RuntimeError("%d番目の引数の型不正です(AttrAppend)"_sjis, 3);
     }
     const std::int32_t n = AttrAlloc(StringText(argv[0]));
     if (n >= 0) {
@@ -63,7 +60,7 @@ std::int32_t Append(std::int32_t, std::int32_t argc, DataCell* argv) {
 }
 
 std::int32_t Search(std::int32_t, std::int32_t, DataCell* argv) {
-    StackPushInt(IsString(argv[0]) ? AttrFind(StringText(argv[0])) : -1);
+    StackPushInt(AttrFind(StringText(argv[0])));
     return RESULT;
 }
 
@@ -143,42 +140,22 @@ std::int32_t Polygons(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
-struct ParameterRow {
-    const char* function;
-    ColourTriple AttributeRecord::*field;
-};
-constexpr ParameterRow PARAMETERS[] = {
-    {"AttrCol", &AttributeRecord::col},   {"AttrAmb", &AttributeRecord::amb},
-    {"AttrDif", &AttributeRecord::dif},   {"AttrSpc", &AttributeRecord::spc},
-    {"AttrSize", &AttributeRecord::size}, {"AttrRef", &AttributeRecord::ref},
-    {"AttrTra", &AttributeRecord::tra},   {"AttrRfr", &AttributeRecord::rfr},
-    {"AttrAtt", &AttributeRecord::att},
-};
-
-template <class Row, std::size_t N>
-const Row& RowOfFunction(const Row (&rows)[N], std::int32_t ident) {
-    for (const Row& row : rows) {
-        if (FunctionFind(row.function) == ident) {
-            return row;
-        }
-    }
-    RuntimeError("Unknown Identifier");
-}
-
 std::int16_t ToFixed12(float value) {
     return static_cast<std::int16_t>(
         static_cast<std::uint16_t>(RealToInt(static_cast<double>(value) * FIXED_12)));
 }
 
-std::int32_t Parameter(std::int32_t ident, std::int32_t argc, DataCell* argv) {
-    const ParameterRow& row = RowOfFunction(PARAMETERS, ident);
+// "AttrCol" … "AttrAtt": one triple of 4.12 values as a Vector, or set from one.
+template <ColourTriple AttributeRecord::*field>
+std::int32_t Parameter(std::int32_t, std::int32_t argc, DataCell* argv) {
     if (argc > 1 && !IsVector(argv[1])) {
+        // The text has always named the first argument.
         RuntimeError("%s", "1番目の引数の型が不正です(AttrParameter)"_sjis);
     }
     if (!InUse(argv[0].integer)) {
         return NO_RESULT;
     }
-    ColourTriple& triple = AttrTable[argv[0].integer].*row.field;
+    ColourTriple& triple = AttrTable[argv[0].integer].*field;
     if (argc == 1) {
         StackPushVector({static_cast<float>(triple.red / FIXED_12),
                          static_cast<float>(triple.green / FIXED_12),
@@ -222,38 +199,26 @@ std::int32_t MapFile(std::int32_t, std::int32_t argc, DataCell* argv) {
 }
 
 using MapRectangle = std::int32_t (AttributeRecord::*)[2][2];
-struct RectangleRow {
-    const char* function;
-    MapRectangle field;
-    bool sets;
-};
-constexpr RectangleRow RECTANGLES[] = {
-    {"GetAttrMapSize", &AttributeRecord::mapsize, false},
-    {"GetAttrMapView", &AttributeRecord::mapview, false},
-    {"GetAttrMapWind", &AttributeRecord::mapwind, false},
-    {"SetAttrMapSize", &AttributeRecord::mapsize, true},
-    {"SetAttrMapView", &AttributeRecord::mapview, true},
-    {"SetAttrMapWind", &AttributeRecord::mapwind, true},
-};
 
-std::int32_t MapView(std::int32_t ident, std::int32_t, DataCell* argv) {
-    const RectangleRow& row = RowOfFunction(RECTANGLES, ident);
+// "GetAttrMapSize" … "SetAttrMapWind": two points of a 16.16 rectangle to or from two arrays.
+template <MapRectangle field, bool sets>
+std::int32_t MapView(std::int32_t, std::int32_t, DataCell* argv) {
     if (ArrayCount(argv[1]) < 2 || ArrayCount(argv[2]) < 2) {
         RuntimeError("%s", "引数配列のサイズが不正です。(AttrMapView)"_sjis);
     }
     DataCell* points[2] = {ArrayElements(argv[1]), ArrayElements(argv[2])};
     for (const DataCell* point : points) {
-        if (row.sets && ((point[0].type & TYPE_NUMBER) == 0 || (point[1].type & TYPE_NUMBER) == 0)) {
+        if (sets && ((point[0].type & TYPE_NUMBER) == 0 || (point[1].type & TYPE_NUMBER) == 0)) {
             RuntimeError("%s", "引数配列の型が不正です。( GetMapView )"_sjis);
         }
     }
     if (!InUse(argv[0].integer)) {
         return NO_RESULT;
     }
-    auto& rectangle = AttrTable[argv[0].integer].*row.field;
+    auto& rectangle = AttrTable[argv[0].integer].*field;
     for (int point = 0; point < 2; ++point) {
         for (int axis = 0; axis < 2; ++axis) {
-            if (row.sets) {
+            if (sets) {
                 rectangle[point][axis] = RealToInt(CellNumber(points[point][axis]) * FIXED_16);
             } else {
                 CellAssign(points[point][axis], RealCell(rectangle[point][axis] / FIXED_16));
@@ -281,23 +246,23 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "AttrCode", Code},
     {"", "AttrDelete", Delete, Takes("AttrDelete", {TYPE_INT})},
     {"", "AttrPolygons", Polygons, Takes("Polygons", {TYPE_INT}, 0)},
-    {"", "AttrCol", Parameter, ParameterSignature("AttrCol")},
-    {"", "AttrAmb", Parameter, ParameterSignature("AttrAmb")},
-    {"", "AttrDif", Parameter, ParameterSignature("AttrDif")},
-    {"", "AttrSpc", Parameter, ParameterSignature("AttrSpc")},
-    {"", "AttrSize", Parameter, ParameterSignature("AttrSize")},
-    {"", "AttrRef", Parameter, ParameterSignature("AttrRef")},
-    {"", "AttrTra", Parameter, ParameterSignature("AttrTra")},
-    {"", "AttrRfr", Parameter, ParameterSignature("AttrRfr")},
-    {"", "AttrAtt", Parameter, ParameterSignature("AttrAtt")},
+    {"", "AttrCol", Parameter<&AttributeRecord::col>, ParameterSignature("AttrCol")},
+    {"", "AttrAmb", Parameter<&AttributeRecord::amb>, ParameterSignature("AttrAmb")},
+    {"", "AttrDif", Parameter<&AttributeRecord::dif>, ParameterSignature("AttrDif")},
+    {"", "AttrSpc", Parameter<&AttributeRecord::spc>, ParameterSignature("AttrSpc")},
+    {"", "AttrSize", Parameter<&AttributeRecord::size>, ParameterSignature("AttrSize")},
+    {"", "AttrRef", Parameter<&AttributeRecord::ref>, ParameterSignature("AttrRef")},
+    {"", "AttrTra", Parameter<&AttributeRecord::tra>, ParameterSignature("AttrTra")},
+    {"", "AttrRfr", Parameter<&AttributeRecord::rfr>, ParameterSignature("AttrRfr")},
+    {"", "AttrAtt", Parameter<&AttributeRecord::att>, ParameterSignature("AttrAtt")},
     {"", "AttrMap", Map, Takes("AttrMap", {TYPE_INT, TYPE_FLAG}, 1)},
     {"", "AttrMapFile", MapFile, Takes("AttrMapFile", {TYPE_INT, TYPE_OBJECT}, 1)},
-    {"", "GetAttrMapSize", MapView, RectangleSignature()},
-    {"", "GetAttrMapView", MapView, RectangleSignature()},
-    {"", "GetAttrMapWind", MapView, RectangleSignature()},
-    {"", "SetAttrMapSize", MapView, RectangleSignature()},
-    {"", "SetAttrMapView", MapView, RectangleSignature()},
-    {"", "SetAttrMapWind", MapView, RectangleSignature()},
+    {"", "GetAttrMapSize", MapView<&AttributeRecord::mapsize, false>, RectangleSignature()},
+    {"", "GetAttrMapView", MapView<&AttributeRecord::mapview, false>, RectangleSignature()},
+    {"", "GetAttrMapWind", MapView<&AttributeRecord::mapwind, false>, RectangleSignature()},
+    {"", "SetAttrMapSize", MapView<&AttributeRecord::mapsize, true>, RectangleSignature()},
+    {"", "SetAttrMapView", MapView<&AttributeRecord::mapview, true>, RectangleSignature()},
+    {"", "SetAttrMapWind", MapView<&AttributeRecord::mapwind, true>, RectangleSignature()},
 };
 
 }  // namespace

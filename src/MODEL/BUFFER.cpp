@@ -1,7 +1,9 @@
 #include "MODEL/BUFFER.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "ML/ERROR.h"
 #include "text/sjis.h"
@@ -20,6 +22,10 @@ struct Prefix {
     std::uint32_t guard;
     std::uint32_t size;
 };
+
+// Every block that MemoryAlloc gave and MemoryFree has not taken back, so that a wrong address is never
+// followed.
+std::vector<Prefix*> memoryBlocks;
 
 DataBuffer* BlockAt(char* address) {
     return reinterpret_cast<DataBuffer*>(address);
@@ -45,6 +51,7 @@ void BufferInit(std::size_t bytes) {
     BufTop = static_cast<char*>(MemoryAlloc(static_cast<std::uint32_t>(bytes)));
     BufNext = BufTop;
     BufEnd = BufTop == nullptr ? nullptr : BufTop + bytes;
+    ++BufLayout;
 }
 
 void BufferExit() {
@@ -113,16 +120,19 @@ void BufferCompact() {
     char* dst = BufTop;
     for (char* src = BufTop; src < BufNext;) {
         Check(dst <= src, "dst <= src");
-        const std::int32_t size = BlockAt(src)->size;
-        if (BlockAt(src)->flag == FLAG_USE) {
-            if (src > dst) {
-                std::memmove(dst, src, static_cast<std::size_t>(size));
-            }
-            dst += size;
-        } else {
-            Check(BlockAt(src)->flag == FLAG_NOUSE, "src->flag == FLAG_NOUSE");
+        // Neighbouring live blocks move together.
+        char* const run = src;
+        while (src < BufNext && BlockAt(src)->flag == FLAG_USE) {
+            src += BlockAt(src)->size;
         }
-        src += size;
+        if (run > dst) {
+            std::memmove(dst, run, static_cast<std::size_t>(src - run));
+        }
+        dst += src - run;
+        while (src < BufNext && BlockAt(src)->flag != FLAG_USE) {
+            Check(BlockAt(src)->flag == FLAG_NOUSE, "src->flag == FLAG_NOUSE");
+            src += BlockAt(src)->size;
+        }
     }
     BufNext = dst;
 }
@@ -154,15 +164,18 @@ void* MemoryAlloc(std::uint32_t size) {
         return nullptr;
     }
     *prefix = {GUARD, size};
+    memoryBlocks.push_back(prefix);
     return prefix + 1;
 }
 
 void MemoryFree(void* memory) {
     Prefix* prefix = static_cast<Prefix*>(memory) - 1;
-    if (prefix->guard != GUARD) {
+    const auto place = std::ranges::find(memoryBlocks, prefix);
+    if (place == memoryBlocks.end() || prefix->guard != GUARD) {
         RuntimeError("Memory Block Error(%X)!!!",
                      static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(prefix)));
     }
+    memoryBlocks.erase(place);
     prefix->guard = 0;
     std::free(prefix);
 }

@@ -41,9 +41,10 @@ DataBuffer* BufferTop();
 DataBuffer* BufferNext(DataBuffer* block);
 void BufferCheck();
 
-// Heap memory with a guard word before it; null when the heap refuses.
+// Zeroed heap memory behind a guard word; null when the heap refuses.
 void* MemoryAlloc(std::uint32_t size);
-// Reports "Memory Block Error(%X)!!!" when the guard word is not there.
+// Reports "Memory Block Error(%X)!!!" when the guard word is not there, or the block was freed before; the
+// block is then left alone.
 void MemoryFree(void* memory);
 
 }  // namespace quelmark

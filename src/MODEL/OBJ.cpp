@@ -56,8 +56,11 @@ bool ObjDelete(std::int32_t object) {
     if (object < 0 || object > ObjLast || object >= ObjectTableSize) {
         return false;
     }
+    if (!TableDelete(ObjTable, object, ObjLast, ObjCurrent, &PolygonRecord::obj)) {
+        return false;
+    }
     ++ObjRevision;
-    return TableDelete(ObjTable, object, ObjLast, ObjCurrent, &PolygonRecord::obj);
+    return true;
 }
 
 void ObjMarkEdited(std::int32_t object) {

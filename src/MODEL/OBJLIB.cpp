@@ -32,21 +32,20 @@ std::int32_t Count(std::int32_t, std::int32_t, DataCell*) {
     return RESULT;
 }
 
-std::string_view TextOf(const DataCell& cell) {
-    return IsString(cell) ? StringText(cell) : std::string_view();
-}
-
 std::int32_t Append(std::int32_t, std::int32_t, DataCell* argv) {
-    const std::int32_t n = ObjAlloc(TextOf(argv[0]));
+    if (!IsString(argv[1])) {
+        RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, 2, "ObjAppend");
+    }
+    const std::int32_t n = ObjAlloc(StringText(argv[0]));
     if (n >= 0) {
-        CopyText(ObjTable[n].file, TextOf(argv[1]));
+        CopyText(ObjTable[n].file, StringText(argv[1]));
     }
     StackPushInt(n);
     return RESULT;
 }
 
 std::int32_t Search(std::int32_t, std::int32_t, DataCell* argv) {
-    StackPushInt(IsString(argv[0]) ? ObjFind(StringText(argv[0])) : -1);
+    StackPushInt(ObjFind(StringText(argv[0])));
     return RESULT;
 }
 

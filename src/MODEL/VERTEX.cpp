@@ -6,7 +6,6 @@
 #include "MATLIB/SETMAT.h"
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
-#include "ML/OPERATE.h"
 #include "ML/STRING.h"
 #include "MODEL/TRANSFORM.h"
 #include "text/sjis.h"
@@ -149,26 +148,27 @@ std::int32_t Mapping(std::int32_t, std::int32_t, DataCell* argv) {
     return NO_RESULT;
 }
 
-// The squared distance of two vertices in 32-bit arithmetic.
-std::int32_t SquaredDistance(const DataCell* argv, const char* typeMessage) {
+// The squared distance of two vertices; up to 34 bits.
+std::int64_t SquaredDistance(const DataCell* argv, const char* typeMessage) {
     if (!IsVertex(argv[0]) || !IsVertex(argv[1])) {
         RuntimeError("%s", typeMessage);
     }
     const VertexRecord& a = VertexOf(argv[0]).vertex;
     const VertexRecord& b = VertexOf(argv[1]).vertex;
-    const std::int32_t dx = a.x - b.x, dy = a.y - b.y, dz = a.z - b.z;
-    return WrapAdd(WrapAdd(WrapMultiply(dx, dx), WrapMultiply(dy, dy)), WrapMultiply(dz, dz));
+    const std::int64_t dx = a.x - b.x, dy = a.y - b.y, dz = a.z - b.z;
+    return dx * dx + dy * dy + dz * dz;
 }
 
 std::int32_t VertexLength(std::int32_t, std::int32_t, DataCell* argv) {
-    const std::int32_t squared = SquaredDistance(argv, "2番目の引数の型が不正です。(VertexLength)"_sjis);
-    // The sum of three squares may pass 2^31; as an unsigned number it is right.
-    StackPushInt(RealToInt(std::sqrt(static_cast<double>(static_cast<std::uint32_t>(squared)))));
+    const std::int64_t squared = SquaredDistance(argv, "2番目の引数の型が不正です。(VertexLength)"_sjis);
+    StackPushInt(RealToInt(std::sqrt(static_cast<double>(squared))));
     return RESULT;
 }
 
+// Wraps at 32 bits.
 std::int32_t VertexLength2(std::int32_t, std::int32_t, DataCell* argv) {
-    StackPushInt(SquaredDistance(argv, "2番目の引数の型が不正です。(VertexLength2)"_sjis));
+    const std::int64_t squared = SquaredDistance(argv, "2番目の引数の型が不正です。(VertexLength2)"_sjis);
+    StackPushInt(static_cast<std::int32_t>(static_cast<std::uint32_t>(squared)));
     return RESULT;
 }
 
