@@ -1,7 +1,9 @@
 #include "MODEL/POLY.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <vector>
 
 #include "ML/ERROR.h"
 #include "ML/OPERATE.h"
@@ -22,63 +24,66 @@ namespace {
 
 std::uint32_t loadedLayout = 0;  // BufLayout when LoadedPolygon was last known to be a record
 
-constexpr std::int32_t HEADER_BYTES = 24;  // of a polygon record, before its vertices
+constexpr std::int32_t HEADER_BYTES = 24;    // of a polygon record, before its vertices
+constexpr std::int32_t INDEX_LIMIT = 32767;  // table indices and vertex numbers are 16-bit words of a record
 
 DataBuffer* BlockOf(PolygonRecord* polygon) {
     return &polygon->header;
 }
 
-// The number of vertices that may really be copied out of CurrentPolygon.
+// Bytes of CurrentPolygon's record. More vertices than the edit buffer has fail like more than a record may
+// have.
 std::int32_t CurrentSize() {
     const std::int32_t vers = CurrentPolygon->vers;
-    const std::int32_t size = PolygonSize(vers);
-    Check(vers <= MaxVertex, "vers <= MaxVertex");
-    return size;
+    Check(0 < vers && vers < VERTEX_LIMIT && vers <= MaxVertex, "0 < vers && vers < 1024");
+    return PolygonSize(vers);
 }
 
-// True when a record begins at this address. The walk starts at the loaded record where that is known to be
-// one.
+// The handles of all records, in order, as far as they were asked for: makes loading by handle a binary
+// search.
+struct HandleIndex {
+    std::vector<std::int32_t> handles;
+    PolygonRecord* last = nullptr;  // the record of the last entry
+    std::uint32_t layout = 0;       // BufLayout that the index is of
+};
+HandleIndex handleIndex;
+
+// True when a record begins at this address.
 bool IsLive(const PolygonRecord* wanted) {
-    PolygonRecord* start = PolygonTop();
-    if (LoadedPolygon != nullptr && loadedLayout == BufLayout && LoadedPolygon <= wanted) {
-        start = LoadedPolygon;
+    if (handleIndex.layout != BufLayout) {
+        handleIndex = {{}, nullptr, BufLayout};
     }
-    for (PolygonRecord* polygon = start; polygon != nullptr && polygon <= wanted;
-         polygon = PolygonNext(polygon)) {
-        if (polygon == wanted) {
-            return true;
+    const std::int32_t handle = PolygonHandle(wanted);
+    while (handleIndex.handles.empty() || handleIndex.handles.back() < handle) {
+        PolygonRecord* next = handleIndex.last == nullptr ? PolygonTop() : PolygonNext(handleIndex.last);
+        if (next == nullptr) {
+            return false;
         }
+        handleIndex.last = next;
+        handleIndex.handles.push_back(PolygonHandle(next));
     }
-    return false;
+    return std::ranges::binary_search(handleIndex.handles, handle);
 }
 
 // Blocks have moved since the record was loaded: is it still one?
 void VerifyLoaded() {
     if (LoadedPolygon != nullptr && loadedLayout != BufLayout) {
-        LoadedPolygon = IsLive(LoadedPolygon) ? LoadedPolygon : nullptr;
+        const bool inside = reinterpret_cast<const char*>(LoadedPolygon) < BufNext;
+        LoadedPolygon = inside && IsLive(LoadedPolygon) ? LoadedPolygon : nullptr;
         loadedLayout = BufLayout;
     }
-}
-
-void LoadRecord(PolygonRecord* polygon) {
-    LoadedPolygon = polygon;
-    loadedLayout = BufLayout;
-    // A polygon read with other limits may be larger than the edit buffer.
-    const std::int32_t vers = polygon->vers < MaxVertex ? polygon->vers : MaxVertex;
-    BufferCopy(BlockOf(CurrentPolygon), BlockOf(polygon), HEADER_BYTES + 16 * vers);
-    CurrentPolygon->vers = static_cast<std::int16_t>(vers);
 }
 
 }  // namespace
 
 void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t attributeCount,
                std::int32_t maxVertex) {
-    BufferInit(static_cast<std::size_t>(bufferBytes));
-    AttrInit(attributeCount);
-    ObjInit(objectCount);
+    BufferInit(static_cast<std::size_t>(std::max(bufferBytes, 0)));
+    AttrInit(std::clamp(attributeCount, 0, INDEX_LIMIT));
+    ObjInit(std::clamp(objectCount, 0, INDEX_LIMIT));
+    MaxVertex = std::clamp(maxVertex, 0, INDEX_LIMIT);
     CurrentPolygon = static_cast<PolygonRecord*>(
-        MemoryAlloc(static_cast<std::uint32_t>(HEADER_BYTES + 16 * (maxVertex > 0 ? maxVertex : 1))));
-    MaxVertex = maxVertex;
+        MemoryAlloc(static_cast<std::uint32_t>(sizeof(PolygonRecord) + 16 * MaxVertex)));
     LoadedPolygon = nullptr;
     SelectCount = 0;
 }
@@ -92,6 +97,7 @@ void ModelExit() {
     }
     CurrentPolygon = nullptr;
     LoadedPolygon = nullptr;
+    handleIndex = {};
 }
 
 std::int32_t PolygonSize(std::int32_t vers) {
@@ -136,6 +142,13 @@ std::int32_t PolygonHandle(const PolygonRecord* polygon) {
     return static_cast<std::int32_t>((reinterpret_cast<const char*>(polygon) - BufTop) / 4 + 1);
 }
 
+void PolygonLoadRecord(PolygonRecord* polygon) {
+    Check(polygon->vers <= MaxVertex, "polygon->vers <= MaxVertex");
+    LoadedPolygon = polygon;
+    loadedLayout = BufLayout;
+    BufferCopy(BlockOf(CurrentPolygon), BlockOf(polygon), PolygonSize(polygon->vers));
+}
+
 std::int32_t PolygonLoadNext() {
     VerifyLoaded();
     PolygonRecord* polygon = LoadedPolygon == nullptr ? PolygonTop() : PolygonNext(LoadedPolygon);
@@ -146,17 +159,18 @@ std::int32_t PolygonLoadNext() {
         LoadedPolygon = nullptr;
         return 0;
     }
-    LoadRecord(polygon);
+    PolygonLoadRecord(polygon);
     return PolygonHandle(polygon);
 }
 
 void PolygonLoad(std::int32_t handle) {
     const std::int64_t offset = (static_cast<std::int64_t>(handle) - 1) * 4;
-    auto* polygon = reinterpret_cast<PolygonRecord*>(BufTop + offset);
-    if (offset < 0 || offset >= BufNext - BufTop || !IsLive(polygon)) {
+    const bool inside = 0 <= offset && offset < BufNext - BufTop;
+    auto* polygon = inside ? reinterpret_cast<PolygonRecord*>(BufTop + offset) : nullptr;
+    if (polygon == nullptr || !IsLive(polygon)) {
         RuntimeError("%s", "ポリゴンのハンドルが不正です。(PolyLoad)"_sjis);
     }
-    LoadRecord(polygon);
+    PolygonLoadRecord(polygon);
 }
 
 void PolygonLoadInit() {
@@ -169,10 +183,12 @@ void PolygonSave() {
         RuntimeError("%s", "PolyLoadされていません。(Vertex:PolySave)"_sjis);
     }
     const std::int32_t size = CurrentSize();
+    const bool wasSelected = LoadedPolygon->select != 0;
     if (BufferResize(BlockOf(LoadedPolygon), size) == nullptr) {
         return;
     }
     loadedLayout = BufLayout;  // growing leaves the record where it is
+    SelectCount += (CurrentPolygon->select != 0 ? 1 : 0) - (wasSelected ? 1 : 0);
     BufferCopy(BlockOf(LoadedPolygon), BlockOf(CurrentPolygon), size);
     for (VertexRecord& vertex : LoadedPolygon->Vertices()) {
         if ((LoadedPolygon->type & POLY_SHADE) == 0) {

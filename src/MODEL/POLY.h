@@ -41,13 +41,14 @@ static_assert(sizeof(PolygonRecord) == 40);
 
 extern PolygonRecord* CurrentPolygon;
 extern PolygonRecord* LoadedPolygon;
-extern std::int32_t MaxVertex;
-extern std::int32_t SelectCount;
+extern std::int32_t MaxVertex;    // vertices that CurrentPolygon has room for; no record has more
+extern std::int32_t SelectCount;  // records whose `select` is not 0
 // Grows with every change of the model, its attributes or its objects; panes and views compare it to know
 // that they are stale.
 extern std::uint32_t AttrRevision;
 extern std::uint32_t ObjRevision;
 
+// Counts beyond what a record's 16-bit words can name are cut to 32767.
 void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t attributeCount,
                std::int32_t maxVertex);
 void ModelExit();
@@ -72,7 +73,9 @@ std::int32_t PolygonLoadNext();
 // Copies the record a handle names. A handle that names none any more is
 // "ポリゴンのハンドルが不正です。(PolyLoad)".
 void PolygonLoad(std::int32_t handle);
+void PolygonLoadRecord(PolygonRecord* polygon);
 void PolygonLoadInit();
+// Not 0; names the record until blocks move.
 std::int32_t PolygonHandle(const PolygonRecord* polygon);
 // Writes CurrentPolygon back over the loaded record; "PolyLoadされていません。(Vertex:PolySave)".
 void PolygonSave();

@@ -1,17 +1,15 @@
 // Script functions of polygons and the constants of the model.
 #include <algorithm>
-#include <utility>
-#include <vector>
 
 #include "MATLIB/SETMAT.h"
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
-#include "ML/STRING.h"
 #include "MODEL/ATR.h"
+#include "MODEL/BULK.h"
 #include "MODEL/OBJ.h"
 #include "MODEL/POLY.h"
 #include "MODEL/SELECT.h"
-#include "MODEL/TRANSFORM.h"
+#include "MODEL/SHADE.h"
 #include "MODEL/VERTEX.h"
 #include "text/sjis.h"
 
@@ -116,50 +114,42 @@ std::int32_t Delete(std::int32_t, std::int32_t, DataCell*) {
 }
 
 std::int32_t Move(std::int32_t, std::int32_t, DataCell* argv) {
-    if (!IsMatrix(argv[0])) {
-        RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, 1, "PolyMove");
-    }
-    const ModelTransform transform(ObjectData<Matrix>(argv[0]));
-    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
-        if (polygon->select != 1) {
-            continue;
-        }
-        for (VertexRecord& vertex : polygon->Vertices()) {
-            transform.MovePoint(vertex);
-            transform.TurnNormal(&vertex.nx);
-            NormaliseTo256(&vertex.nx);
-        }
-        transform.TurnNormal(polygon->normal);
-        NormaliseTo256(polygon->normal);
-        ObjMarkEdited(polygon->obj);
-    }
+    PolygonMove(ObjectData<Matrix>(argv[0]));
     return NO_RESULT;
 }
 
 std::int32_t Invisible(std::int32_t, std::int32_t, DataCell* argv) {
-    const bool hide = argv[0].integer != 0;
-    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
-        if (!hide) {
-            polygon->flags = static_cast<std::uint16_t>(polygon->flags & ~POLYGON_INVISIBLE);
-        } else if (polygon->select == 0) {
-            polygon->flags |= POLYGON_INVISIBLE;
-        }
-    }
+    PolygonHide(argv[0].integer != 0);
+    return NO_RESULT;
+}
+
+std::int32_t Shade(std::int32_t, std::int32_t, DataCell* argv) {
+    ShadeSelected(argv[0].integer);
     return NO_RESULT;
 }
 
 std::int32_t ShadeInverse(std::int32_t, std::int32_t, DataCell*) {
-    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
-        if (polygon->select == 0 || (polygon->type & POLY_SHADE) == 0) {
-            continue;
-        }
-        for (VertexRecord& vertex : polygon->Vertices()) {
-            vertex.nx = static_cast<std::int16_t>(-vertex.nx);
-            vertex.ny = static_cast<std::int16_t>(-vertex.ny);
-            vertex.nz = static_cast<std::int16_t>(-vertex.nz);
-        }
-        ObjMarkEdited(polygon->obj);
+    PolygonReverseNormals();
+    return NO_RESULT;
+}
+
+// flag [, matrix [, umin, vmin, umax, vmax]]
+std::int32_t Map(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc > 2 && argc < 6) {
+        RuntimeError("引数の数が不正です。( %s )"_sjis, "PolyMap");
     }
+    if (argc > 1 && !IsMatrix(argv[1])) {
+        RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, 2, "PolyMap");
+    }
+    if (argv[0].integer == 0) {
+        PolygonUnmap();
+        return NO_RESULT;
+    }
+    MapLimits limits;
+    if (argc == 6) {
+        limits = {argv[2].integer, argv[3].integer, argv[4].integer, argv[5].integer};
+    }
+    PolygonMap(argc > 1 ? ObjectData<Matrix>(argv[1]) : UNIT_MATRIX, limits);
     return NO_RESULT;
 }
 
@@ -192,12 +182,6 @@ constexpr ConstantRow CONSTANTS[] = {
     {"POLY_SHADE", IntCell(POLY_SHADE)},
     {"POLY_UV", IntCell(POLY_UV)},
     {"POLY_UVSHADE", IntCell(POLY_UVSHADE)},
-    {"SELECT_UPDATE", IntCell(0)},
-    {"SELECT_AND", IntCell(1)},
-    {"SELECT_OR", IntCell(2)},
-    {"SELECT_XOR", IntCell(3)},
-    {"SELECT_ALL", IntCell(0)},
-    {"SELECT_SUB", IntCell(16)},
     {"FILE_OVERWRITE", IntCell(0)},
     {"FILE_APPEND", IntCell(1)},
     {"OBJ_CREATE", IntCell(0)},
@@ -206,9 +190,9 @@ constexpr ConstantRow CONSTANTS[] = {
     {"ATTR_APPEND", IntCell(1)},
     {"VERTEX_MIN", IntCell(VERTEX_MIN)},
     {"VERTEX_MAX", IntCell(VERTEX_MAX)},
-    {"NORMAL_OFF", IntCell(0)},
-    {"NORMAL_ON", IntCell(1)},
-    {"NORMAL_CREATE", IntCell(2)},
+    {"NORMAL_OFF", IntCell(NORMAL_OFF)},
+    {"NORMAL_ON", IntCell(NORMAL_ON)},
+    {"NORMAL_CREATE", IntCell(NORMAL_CREATE)},
 };
 
 constexpr BuiltIn FUNCTIONS[] = {
@@ -227,7 +211,10 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "PolyDelete", Delete, Takes("PolyDelete", {})},
     {"Matrix", "PolyMove", Move, Takes("PolyMove", {TYPE_OBJECT})},
     {"", "PolyInvisible", Invisible, Takes("PolyInvisible", {TYPE_FLAG})},
+    {"", "PolyShade", Shade, Takes("PolyShade", {TYPE_FLAG})},
     {"", "PolyShadeInv", ShadeInverse, Takes("PolyShadeInv", {})},
+    {"", "PolyMap", Map,
+     Takes("PolyMap", {TYPE_FLAG, TYPE_OBJECT, TYPE_INT, TYPE_INT, TYPE_INT, TYPE_INT}, 1)},
     {"", "PolyShiftVertex", ShiftVertex, Takes("PolyShiftVertex", {TYPE_INT})},
     {"", "PolyInvVertex", InverseVertex, Takes("PolyInvVertex", {})},
     {"", "PolyVector", PlaneVector, Takes("PolyVector", {TYPE_FLAG}, 0)},

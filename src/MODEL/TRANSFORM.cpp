@@ -2,20 +2,8 @@
 
 #include <cmath>
 
-#include "ML/OPERATE.h"
-
 namespace quelmark {
 namespace {
-
-std::int16_t Cut16(std::int32_t value) {
-    return static_cast<std::int16_t>(static_cast<std::uint16_t>(value));
-}
-
-std::int32_t Column(const FixedMatrix& matrix, int column, std::int32_t x, std::int32_t y, std::int32_t z) {
-    return WrapAdd(
-        WrapAdd(WrapMultiply(x, matrix.element[0][column]), WrapMultiply(y, matrix.element[1][column])),
-        WrapMultiply(z, matrix.element[2][column]));
-}
 
 Matrix InverseTranspose(const Matrix& matrix) {
     const Matrix inverse = MatrixInverse(matrix);
@@ -35,19 +23,23 @@ ModelTransform::ModelTransform(const Matrix& matrix)
 
 void ModelTransform::MovePoint(VertexRecord& vertex) const {
     const std::int32_t x = vertex.x, y = vertex.y, z = vertex.z;
-    const auto moved = [&](int column) {
-        const std::int32_t sum = WrapAdd(Column(point_, column, x, y, z), point_.fraction[column]);
-        return Cut16(WrapAdd(sum >> 16, point_.translation[column]));
-    };
-    vertex.x = moved(0);
-    vertex.y = moved(1);
-    vertex.z = moved(2);
+    vertex.x = CutTo16(FixedFloored(point_, 0, x, y, z));
+    vertex.y = CutTo16(FixedFloored(point_, 1, x, y, z));
+    vertex.z = CutTo16(FixedFloored(point_, 2, x, y, z));
 }
 
 void ModelTransform::TurnNormal(std::int16_t* normal) const {
     const std::int32_t x = normal[0], y = normal[1], z = normal[2];
     for (int column = 0; column < 3; ++column) {
-        normal[column] = Cut16(Column(normal_, column, x, y, z) >> 16);
+        normal[column] = CutTo16(FixedColumn(normal_, column, x, y, z) >> 16);
+    }
+}
+
+void ModelTransform::MoveVertex(VertexRecord& vertex) const {
+    MovePoint(vertex);
+    if ((vertex.nx | vertex.ny | vertex.nz) != 0) {
+        TurnNormal(&vertex.nx);
+        NormaliseTo256(&vertex.nx);
     }
 }
 
