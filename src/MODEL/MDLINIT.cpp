@@ -1,10 +1,12 @@
 #include "MODEL/MDLINIT.h"
 
 #include "MATLIB/SETVEC.h"
+#include "MODEL/EDGE.h"
 #include "MODEL/EVENT.h"
 #include "MODEL/FILE.h"
 #include "MODEL/POLY.h"
 #include "MODEL/SYSLIB.h"
+#include "MODEL/VERSET.h"
 #include "MODEL/VIEWLIB.h"
 
 namespace quelmark {
@@ -15,6 +17,8 @@ void ModelLibrariesRegister() {
     FileLibraryRegister();
     EventRegister();
     ViewLibraryRegister();
+    EdgeRegister();
+    VertexSetRegister();
     SystemLibraryRegister();
 }
 
