@@ -1,5 +1,6 @@
 #include "MODEL/SHADE.h"
 
+#include <array>
 #include <bit>
 #include <cmath>
 
@@ -16,6 +17,20 @@ std::int32_t HashMask = 0;
 namespace {
 
 constexpr std::int32_t PROBE_STEP = 997;  // odd, so it visits every slot of a table of a power of two
+
+// Slots found lately, by a second key: neighbouring polygons ask for the same positions, and where
+// coordinates repeat in a regular way the probe for one is long.
+constexpr int RECENT_BITS = 12;
+std::array<std::int32_t, 1 << RECENT_BITS> recentSlots;
+
+std::size_t RecentKey(const VertexRecord& v) {
+    const auto word = [](std::int16_t value) { return static_cast<std::uint32_t>(value); };
+    return (word(v.x) * 73856093U ^ word(v.y) * 19349663U ^ word(v.z) * 83492791U) >> (32 - RECENT_BITS);
+}
+
+bool IsAt(const HashEntry& entry, const VertexRecord& v) {
+    return entry.flag == 1 && entry.x == v.x && entry.y == v.y && entry.z == v.z;
+}
 
 struct HashScope {
     explicit HashScope(std::int32_t vertices) { HashInit(vertices); }
@@ -120,6 +135,7 @@ void HashInit(std::int32_t vertices) {
     HashTable = static_cast<HashEntry*>(
         MemoryAlloc(static_cast<std::uint32_t>(static_cast<std::size_t>(HashSize) * sizeof(HashEntry))));
     Check(HashTable != nullptr, "HashTable != NULL");
+    recentSlots.fill(0);
 }
 
 void HashExit() {
@@ -130,10 +146,15 @@ void HashExit() {
 }
 
 HashEntry& HashFind(const VertexRecord& position) {
+    std::int32_t& recent = recentSlots[RecentKey(position)];
+    if (IsAt(HashTable[recent], position)) {
+        return HashTable[recent];
+    }
     std::int32_t n = HashKey(position);
     for (std::int32_t i = 0; i < HashSize; ++i, n = (n + PROBE_STEP) & HashMask) {
         HashEntry& entry = HashTable[n];
-        if (entry.flag == 0 || (entry.x == position.x && entry.y == position.y && entry.z == position.z)) {
+        if (entry.flag == 0 || IsAt(entry, position)) {
+            recent = n;
             return entry;
         }
         Check(entry.flag == 1, "HashTable[n].flag == TRUE");
