@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# run.sh QUELMARKC SCRIPT.qms: runs a script through the console program, with the events of SCRIPT.input when there is one, and
+# compares what it prints, line by line, with its `// expect: …` comments. The message that ends a run is printed like any other line.
+set -u
+program=$(realpath "$1")
+script=$(realpath "$2")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+name=$(basename "$script" .qms)
+cp "$script" "$folder/"
+cp "$(dirname "$script")/$name".* "$folder/" 2>/dev/null
+{
+    printf 'CodeSize = 256\nGlobal = 512\nFunction = 512\nStack = 20000\nBufferSize = 1024\n'
+    cat "$(dirname "$script")/$name.ini" 2>/dev/null
+    printf 'SourceFile = %s\n' "$name.qms"
+} > "$folder/Quelmark.ini"
+cd "$folder" || exit 1
+[ -f "$name.input" ] && export QUELMARKINPUT="$folder/$name.input"
+arguments=$(sed -n 's|^// arguments: ||p' "$name.qms")
+# shellcheck disable=SC2086
+MODELPATH="$folder" "$program" $arguments > printed.txt 2> errors.txt
+status=$?
+if [ $status -gt 1 ]; then
+    echo "exit status $status"
+    cat errors.txt
+    exit 1
+fi
+iconv -f CP932 -t UTF-8 printed.txt | sed 's/[[:space:]]*$//' > got.txt
+sed -nE 's!.*// expect( error)?: ?!!p' "$name.qms" | sed 's/[[:space:]]*$//' > wanted.txt
+diff -u wanted.txt got.txt

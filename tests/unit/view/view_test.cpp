@@ -1,0 +1,276 @@
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <set>
+
+#include "MATLIB/SETVEC.h"
+#include "MODEL/ATR.h"
+#include "MODEL/POLY.h"
+#include "script_fixture.h"
+#include "view/OVERLAY.h"
+#include "view/VIEW.h"
+
+namespace quelmark::test {
+namespace {
+
+// ---- lines ----
+
+std::set<std::pair<int, int>> Pixels(const FrameBuffer& frame) {
+    std::set<std::pair<int, int>> found;
+    for (int y = 0; y < frame.height; ++y) {
+        for (int x = 0; x < frame.width; ++x) {
+            if (frame.Row(y)[x] != 0) {
+                found.insert({x, y});
+            }
+        }
+    }
+    return found;
+}
+
+TEST(Lines, AClippedLineHasThePixelsOfTheWholeLine) {
+    std::mt19937 random(7);
+    std::uniform_int_distribution<int> anywhere(0, 299);
+    FrameBuffer whole, cut;
+    for (int round = 0; round < 2000; ++round) {
+        whole.Resize(300, 300);
+        cut.Resize(300, 300);
+        const PanePoint a{anywhere(random), anywhere(random)}, b{anywhere(random), anywhere(random)};
+        int l = anywhere(random), r = anywhere(random), t = anywhere(random), u = anywhere(random);
+        const PixelRect clip{std::min(l, r), std::min(t, u), std::max(l, r) + 1, std::max(t, u) + 1};
+        DrawLine(whole, whole.Bounds(), a, b, 1);
+        DrawLine(cut, clip, a, b, 1);
+        auto wanted = Pixels(whole);
+        std::erase_if(wanted, [&](const auto& p) {
+            return p.first < clip.left || p.first >= clip.right || p.second < clip.top || p.second >= clip.bottom;
+        });
+        ASSERT_EQ(Pixels(cut), wanted);
+    }
+}
+TEST(Lines, BothDirectionsGiveTheSamePixels) {
+    std::mt19937 random(8);
+    std::uniform_int_distribution<int> anywhere(-100, 200);
+    FrameBuffer one, other;
+    for (int round = 0; round < 2000; ++round) {
+        one.Resize(100, 100);
+        other.Resize(100, 100);
+        const PanePoint a{anywhere(random), anywhere(random)}, b{anywhere(random), anywhere(random)};
+        DrawLine(one, one.Bounds(), a, b, 1);
+        DrawLine(other, other.Bounds(), b, a, 1, Ink::Xor);
+        ASSERT_EQ(one.pixels, other.pixels);
+    }
+}
+TEST(Lines, FarEndsStayInsideAndOnTheTrueLine) {
+    FrameBuffer frame;
+    frame.Resize(101, 101);
+    const std::int64_t far = std::int64_t{1} << 47;
+    DrawLine(frame, frame.Bounds(), {-far, -far}, {far, far}, 1);
+    EXPECT_EQ(Pixels(frame).size(), 101U);
+    EXPECT_EQ(frame.Row(50)[50], 1);
+    EXPECT_EQ(frame.Row(100)[100], 1);
+}
+
+class View3D : public ScriptTest {
+  protected:
+    void SetUp() override {
+        ScriptTest::SetUp();
+        InterpreterInit(sizes);
+        MatrixLibraryRegister();
+        PolygonRegister();
+        ModelInit(1 << 20, 8, 8, 100);
+        ViewInit();
+        ViewLayout(801, 622, 16);  // the status line takes 22
+        ViewEnableDrawing(true);
+        AttrAlloc("a");
+        CursorShow(false);
+        CursorMove({0, 0, 0});
+    }
+    void TearDown() override {
+        CursorShow(false);
+        ViewExit();
+        ModelExit();
+        ScriptTest::TearDown();
+    }
+    static void Triangle(int x0, int y0, int z0, int x1, int y1, int z1, int x2, int y2, int z2, bool select = false) {
+        CurrentPolygon->vers = 3;
+        auto set = [](int i, int x, int y, int z) {
+            CurrentPolygon->vertex[i] = {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+                                         static_cast<std::int16_t>(z), 0, 0, 0, 0, 0};
+        };
+        set(0, x0, y0, z0);
+        set(1, x1, y1, z1);
+        set(2, x2, y2, z2);
+        PolygonAppend(select);
+    }
+    static int Count(std::uint8_t colour, std::int32_t view) {
+        int count = 0;
+        const PixelRect r = Views[ViewIndex(view)].Rect();
+        for (int y = r.top; y < r.bottom; ++y) {
+            count += static_cast<int>(std::count(ViewFrame.Row(y) + r.left, ViewFrame.Row(y) + r.right, colour));
+        }
+        return count;
+    }
+    static std::uint8_t At(PanePoint p) { return ViewFrame.Row(static_cast<int>(p.y))[p.x]; }
+};
+
+TEST_F(View3D, AnOddWidthGivesTheRightViewsThePixelMore) {
+    EXPECT_EQ(Views[0].width, 400);
+    EXPECT_EQ(Views[2].width, 400);
+    EXPECT_EQ(Views[3].width, 401);
+    EXPECT_EQ(Views[1].width, 401);
+    EXPECT_EQ(Views[1].left, 400);
+    EXPECT_EQ(Views[0].height, 300);
+}
+TEST_F(View3D, AMaskOfTwoViewsKeepsTheRectangles) {
+    const ViewRecord before = Views[1];
+    ViewSetMask(WIN_XY | WIN_YZ);
+    EXPECT_EQ(Views[1].left, before.left);
+    EXPECT_EQ(Views[1].width, before.width);
+    EXPECT_EQ(ViewAt(1, 1), WIN_XY);
+    EXPECT_EQ(ViewAt(1, 599), 0);
+}
+TEST_F(View3D, ASingleViewTakesTheWholeArea) {
+    ViewSetMask(WIN_ZX);
+    EXPECT_EQ(Views[2].width, 801);
+    EXPECT_EQ(Views[2].height, 600);
+}
+TEST_F(View3D, ReducingMakesTheMoveStepLarger) {
+    ViewSetZoom(-4, 0);
+    EXPECT_EQ(ViewState.moveStep, 40);
+    EXPECT_EQ(ViewScaled(-7, 0), -1);
+    ViewSetZoom(2, 0);
+    EXPECT_EQ(ViewState.moveStep, 5);
+    ViewSetZoom(0, 7);
+    EXPECT_EQ(ViewState.moveStep, 7);
+}
+TEST_F(View3D, AnglesOutsideTheRangeChangeNothing) {
+    EXPECT_EQ(ViewSetAngle(180), 45);
+    EXPECT_EQ(ViewSetAngle(0), 45);
+    EXPECT_EQ(ViewState.angle, 45);
+    EXPECT_EQ(ViewSetAngle(60), 45);
+    EXPECT_EQ(ViewState.angle, 60);
+    EXPECT_EQ(ViewState.focalDistance, static_cast<int>(200 / std::tan(30 * 0.017453292519943278)));
+}
+TEST_F(View3D, OutlinesAreDrawnInTheAttributesColour) {
+    AttrTable[0].code = 4;
+    Triangle(0, 0, 0, 50, 0, 0, 0, 50, 0);
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(At({200, 150}), 4);
+    EXPECT_EQ(At({250, 150}), 4);
+    EXPECT_EQ(At({200, 100}), 4);
+    EXPECT_GT(Count(4, WIN_XY), 140);
+}
+TEST_F(View3D, SelectedPolygonsLieOnTop) {
+    Triangle(0, 0, 0, 50, 0, 0, 0, 50, 0, true);
+    Triangle(0, 0, 0, 50, 0, 0, 0, 50, 0, false);
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(Count(7, WIN_XY), 0);
+    EXPECT_GT(Count(COLOUR_SELECTED, WIN_XY), 140);
+}
+TEST_F(View3D, InvisiblePolygonsAreDrawnOnRequest) {
+    Triangle(0, 0, 0, 50, 0, 0, 0, 50, 0);
+    PolygonTop()->flags = POLYGON_INVISIBLE;
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(Count(COLOUR_INVISIBLE, WIN_XY), 0);
+    ViewState.drawInvisible = true;
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_GT(Count(COLOUR_INVISIBLE, WIN_XY), 140);
+}
+TEST_F(View3D, ARedrawWithoutClearingKeepsWhatIsThere) {
+    ViewRedraw(WHOLE_AREA, true);
+    ViewFrame.Row(5)[5] = 1;
+    ViewRedraw(WHOLE_AREA, false);
+    EXPECT_EQ(ViewFrame.Row(5)[5], 1);
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(ViewFrame.Row(5)[5], COLOUR_BACKGROUND);
+}
+TEST_F(View3D, ARedrawOfOneViewsAreaLeavesTheOthers) {
+    ViewRedraw(WHOLE_AREA, true);
+    ViewFrame.Row(500)[500] = 1;
+    ViewRedraw({0, 0, 10, 10}, true);
+    EXPECT_EQ(ViewFrame.Row(500)[500], 1);
+}
+TEST_F(View3D, AGridOfTwoPixelsIsNotDrawn) {
+    ViewState.gridSpacing = 16;
+    ViewSetZoom(-8, 0);
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(Count(COLOUR_GRID, WIN_XY), 0);
+    ViewSetZoom(1, 0);
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_GT(Count(COLOUR_GRID, WIN_XY), 1000);
+    EXPECT_EQ(ViewFrame.Row(150)[11], COLOUR_BACKGROUND);
+    EXPECT_EQ(ViewFrame.Row(150)[12], COLOUR_GRID);
+}
+TEST_F(View3D, DrawingALineTwiceRemovesIt) {
+    ViewRedraw(WHOLE_AREA, true);
+    const auto before = ViewFrame.pixels;
+    const std::vector<ModelLine> line = {{{0, 0, 0}, {40, 30, 20}}};
+    OverlayModelLines(line, LINE_XOR);
+    EXPECT_NE(ViewFrame.pixels, before);
+    ViewRedraw(WHOLE_AREA, true);  // keeps it
+    EXPECT_NE(ViewFrame.pixels, before);
+    OverlayModelLines(line, LINE_XOR);
+    EXPECT_EQ(ViewFrame.pixels, before);
+}
+TEST_F(View3D, TheCursorComesAndGoesWithoutATrace) {
+    ViewRedraw(WHOLE_AREA, true);
+    const auto before = ViewFrame.pixels;
+    CursorShow(true);
+    CursorMove({10, 20, 30});
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(At({210, 5}), COLOUR_BACKGROUND ^ COLOUR_LINE);
+    CursorShow(false);
+    EXPECT_EQ(ViewFrame.pixels, before);
+}
+TEST_F(View3D, ATrackedCursorKeepsTheThirdCoordinateAndSnaps) {
+    CursorMove({1, 2, 33});
+    ViewState.gridSnap = 10;
+    EXPECT_TRUE(CursorTrack(200 + 14, 150 - 26));
+    EXPECT_EQ(CursorPosition(), (ModelPoint{10, 30, 30}));
+}
+TEST_F(View3D, ThePerspectiveViewProjectsAndClipsAtTheEye) {
+    Triangle(100, 10, 0, 100, -10, 0, 100, 0, 10);
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_GT(Count(7, WIN_PERS), 50);
+    Triangle(-100, 0, 0, -50, 10, 0, -70, 0, 10);  // behind the eye
+    const int before = Count(7, WIN_PERS);
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(Count(7, WIN_PERS), before);
+}
+TEST_F(View3D, APickFindsTheNearestOutline) {
+    Triangle(0, 0, 0, 50, 0, 0, 0, 50, 0);
+    Triangle(0, 0, 0, -50, 0, 0, 0, -50, 0);
+    EXPECT_EQ(ViewPick(200 + 30, 150 + 2, 12), PolygonTop());
+    EXPECT_EQ(ViewPick(200 + 120, 150 - 120, 12), nullptr);
+}
+TEST_F(View3D, ExtremesNeverLeaveTheFrame) {
+    std::mt19937 random(3);
+    const std::int32_t values[] = {0, 1, -1, 5, -7, 300, -300, 2147483647, -2147483647 - 1, 1 << 20};
+    const auto pick = [&] { return values[random() % std::size(values)]; };
+    Triangle(32767, -32767, 0, -32767, 32767, 32767, 1, 1, 1);
+    Triangle(0, 0, 0, 0, 0, 0, 0, 0, 0, true);
+    ViewState.visibleVertex = ViewState.visibleVector = ViewState.visiblePolyVector = 1;
+    for (int round = 0; round < 300; ++round) {
+        ViewLayout(static_cast<int>(random() % 40), static_cast<int>(random() % 60), 16);
+        ViewSetZoom(pick(), pick());
+        ViewState.centre = {pick(), pick(), pick()};
+        Matrix m = UNIT_MATRIX;
+        m.row[random() % 4][random() % 3] = round % 3 == 0   ? std::numeric_limits<float>::infinity()
+                                            : round % 3 == 1 ? static_cast<float>(pick())
+                                                             : 0.0F;
+        ViewSetPerspective(m);
+        if (round % 5 == 0) {
+            ViewSetConversion(m);
+        }
+        CursorShow(true);
+        CursorMove({pick(), pick(), pick()});
+        ViewState.gridSnap = pick();
+        CursorTrack(5, 5);
+        OverlayModelLines({{{pick(), pick(), pick()}, {pick(), pick(), pick()}}}, LINE_XOR);
+        ViewRedraw(WHOLE_AREA, true);
+        OverlayReset();
+    }
+    SUCCEED();
+}
+
+}  // namespace
+}  // namespace quelmark::test
