@@ -241,12 +241,11 @@ std::size_t ShapeIntegers(std::int16_t* values, std::size_t most, bool& clamped)
 }
 
 bool ShapeName(std::string& name) {
-    if (Shape.token != TOKEN_NAME) {
-        if (Shape.token == TOKEN_END) {
-            ScannerReport(FAULT_END);
-        } else {
-            ScannerReport(FAULT_NAME, Shape.text);
-        }
+    if (Shape.token == TOKEN_END) {
+        return false;
+    }
+    if (Shape.token > WORD_COUNT && Shape.token != TOKEN_NUMBER && Shape.token != TOKEN_NAME) {
+        ScannerReport(FAULT_NAME, Shape.text);
         return false;
     }
     if (Shape.text.size() > READER_NAME_BYTES) {
