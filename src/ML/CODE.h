@@ -22,6 +22,8 @@ namespace quelmark {
     OP(NAME##_SR, "ss--", "a = b op REAL value")
 #define QUELMARK_COMPARE(OP, NAME)                                    \
     OP(NAME##_SS, "sss-", "a = b op c")                               \
+    OP(NAME##_SI, "ss--", "a = b op INT value")                       \
+    OP(NAME##_SR, "ss--", "a = b op REAL value")                      \
     OP(JF_##NAME##_SS, "-ss-", "jump unless b op c")                  \
     OP(JF_##NAME##_SI, "-s--", "jump unless b op INT value")          \
     OP(JF_##NAME##_SR, "-s--", "jump unless b op REAL value")         \
@@ -39,6 +41,7 @@ namespace quelmark {
 #define QUELMARK_OPCODES(OP)                                                                 \
     OP(ASSIGN, "ss--", "variable a = b, with the rules for objects and arrays")              \
     OP(COPY, "ss--", "temporary a = variable b")                                             \
+    OP(MOVE, "ss--", "a = temporary b")                                                      \
     OP(LOAD, "s---", "a = constant of type c in value, no object")                           \
     OP(LOAD_OBJECT, "s---", "a = constant object in value")                                  \
     OP(GET_GLOBAL, "s---", "temporary a = global value")                                     \

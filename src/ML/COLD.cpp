@@ -168,15 +168,16 @@ void DropSlot(const Instruction& i, const Frame& frame) {
 
 DataCell* MoveArgumentsUp(DataCell* argv, std::int32_t argc) {
     const std::int32_t first = StackPtr + 1;
-    if (argc >= MaxStack - StackPtr) {
-        StackRaiseHighWater(MaxStack);
+    if (StackPtr + argc > StackHighWater) {
+        StackRaiseHighWater(StackPtr + argc);
     }
     for (std::int32_t i = 0; i < argc; ++i) {
-        StackBuf[first + i] = argv[i];
+        StackBuf[first + i] = ReadCell(argv[i]);
         if (argv[i].type == TYPE_OBJECT) {
             argv[i].type = TYPE_NOASSIGN;
         }
     }
+    StackPtr += argc;
     return StackBuf + first;
 }
 

@@ -34,6 +34,7 @@ QUELMARK_COLD bool StepAndTest(std::int32_t code, const Instruction& i, const Fr
                                bool limitInSlot);
 
 QUELMARK_COLD void AssignSlot(const Instruction& i, const Frame& frame);
+// Into a temporary, or from one.
 QUELMARK_COLD void CopySlot(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void LoadConstant(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void GetGlobal(const Instruction& i, const Frame& frame);
@@ -50,7 +51,7 @@ QUELMARK_COLD void DeclareArrayInSlot(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void CheckFit(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void DropSlot(const Instruction& i, const Frame& frame);
 
-// The arguments of a call, moved above the arrays of the running frame.
+// The arguments of a call, moved above the arrays of the running frame, onto the top of the stack.
 QUELMARK_COLD DataCell* MoveArgumentsUp(DataCell* argv, std::int32_t argc);
 // More arguments than the function has locals.
 QUELMARK_COLD void ReleaseSurplus(DataCell* first, DataCell* behind);

@@ -265,13 +265,16 @@ void EmitArithmetic(std::uint16_t slot, std::int32_t code, std::uint16_t left, c
         Emit(FormOf(row->slotSlot, right.form), slot, left, right.slot, right.value);
         return;
     }
+    if (const CompareRow* row = CompareRowOf(code)) {
+        Emit(FormOf(row->value, right.form), slot, left, right.slot, right.value);
+        return;
+    }
     std::uint16_t rightSlot = right.slot;
     if (right.form != Form::Slot) {
         rightSlot = EmitTemporary();
         Emit(Opcode::LOAD, rightSlot, 0, right.form == Form::Int ? TYPE_INT : TYPE_REAL, right.value);
     }
-    const CompareRow* row = CompareRowOf(code);
-    Emit(row != nullptr ? row->value : Opcode::BINARY, slot, left, rightSlot, code);
+    Emit(Opcode::BINARY, slot, left, rightSlot, code);
 }
 
 void EmitConstant(std::uint16_t slot, const DataCell& cell) {
@@ -305,7 +308,7 @@ void EmitInto(NodeId id, std::uint16_t slot) {
             const std::uint16_t temporary = IsTemporary(slot) ? slot : EmitTemporary();
             Emit(Opcode::GET_GLOBAL, temporary, 0, 0, node.index);
             if (temporary != slot) {
-                Emit(Opcode::ASSIGN, slot, temporary, 0);
+                Emit(Opcode::MOVE, slot, temporary, 0);
             }
             break;
         }
@@ -318,7 +321,7 @@ void EmitInto(NodeId id, std::uint16_t slot) {
             temporaries -= lands ? 1 : 0;
             const std::uint16_t result = EmitCall(id, Opcode::CALL);
             if (result != slot) {
-                Emit(IsTemporary(slot) ? Opcode::COPY : Opcode::ASSIGN, slot, result, 0);
+                Emit(Opcode::MOVE, slot, result, 0);
             }
             break;
         }

@@ -69,7 +69,7 @@ void EmitElementWrite(const ElementPlace& place, std::uint16_t slot);
 // A comparison that a jump instruction can make itself.
 struct CompareRow {
     std::int32_t code;
-    Opcode value;       // a = b op c
+    Opcode value;       // a = b op c, in its three forms
     Opcode jumpUnless;  // its three forms in a row, then the three loop-closing ones
 };
 const CompareRow* CompareRowOf(std::int32_t code);

@@ -7,9 +7,12 @@
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "ML/MEMBER.h"
+#include "ML/STDFUNC.h"
 
 namespace quelmark {
 namespace {
+
+static_assert(std::endian::native == std::endian::little, "the type is the low half of a cell");
 
 // Cells are read and written as two 32-bit halves, type with count and payload: a wider read of a cell whose
 // halves have just been written would wait until both have left the processor's store buffer.
@@ -53,6 +56,15 @@ inline bool HoldsObject(const DataCell& cell) {
     return cell.type == TYPE_OBJECT;
 }
 
+// Puts a value that owns its reference into a place that may hold an object.
+inline void Replace(DataCell& cell, std::uint32_t tag, std::int32_t payload) {
+    ObjectBlock* const before = HoldsObject(cell) ? ObjectOf(cell) : nullptr;
+    Put(cell, tag, payload);
+    if (before != nullptr) {
+        ObjectRelease(before);
+    }
+}
+
 // The element when everything is in order, else null: the slow path tells what is wrong.
 inline DataCell* ElementOf(const DataCell& array, std::uint32_t subscript) {
     const std::uint32_t tag = TagOf(array);
@@ -80,9 +92,6 @@ void CallFromFrame(const Instruction& call, const Frame& frame, DataCell* argv, 
     DataCell* place = argv;
     if (top != frame.top) {
         place = MoveArgumentsUp(argv, argc);
-        if (top + argc > StackHighWater) {
-            StackRaiseHighWater(top + argc);
-        }
     }
     StackPtr = static_cast<std::int32_t>(place - StackBuf) + argc - 1;
     const bool result = CallBuiltIn(member, call.value, argc, place) == RESULT;
@@ -218,6 +227,37 @@ std::int32_t Execute() {
         SLOW(OperateImmediate(CODE, *i, *frame, TYPE_REAL));                                   \
     }
 
+// a = b op c for INTs and BOOLEANs.
+#define LOGIC(NAME, CODE, INTEGER, BOOLEAN)                                \
+    CASE(NAME##_SS) {                                                      \
+        DataCell& d = base[i->a];                                          \
+        const std::uint32_t tag = TagOf(base[i->b]);                       \
+        const std::int32_t l = base[i->b].integer, r = base[i->c].integer; \
+        if (tag == TagOf(base[i->c]) && !HoldsObject(d)) [[likely]] {      \
+            if (tag == TYPE_INT) [[likely]] {                              \
+                PutInt(d, INTEGER);                                        \
+                NEXT;                                                      \
+            }                                                              \
+            if (tag == TYPE_BOOLEAN) [[likely]] {                          \
+                Put(d, TYPE_BOOLEAN, BOOLEAN);                             \
+                NEXT;                                                      \
+            }                                                              \
+        }                                                                  \
+        SLOW(OperateSlots(CODE, *i, *frame));                              \
+    }                                                                      \
+    CASE(NAME##_SI) {                                                      \
+        DataCell& d = base[i->a];                                          \
+        const std::int32_t l = base[i->b].integer, r = i->value;           \
+        if (TagOf(base[i->b]) == TYPE_INT && !HoldsObject(d)) [[likely]] { \
+            PutInt(d, INTEGER);                                            \
+            NEXT;                                                          \
+        }                                                                  \
+        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_INT));                \
+    }                                                                      \
+    CASE(NAME##_SR) {                                                      \
+        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_REAL));               \
+    }
+
 #define JUMP_UNLESS(CONDITION) \
     if (!(CONDITION)) {        \
         at += i->jump;         \
@@ -264,30 +304,49 @@ std::int32_t Execute() {
         SAVE;                                                  \
         JUMP(TruthOfImmediate(CODE, *i, *frame, TYPE_REAL));   \
     }
-#define COMPARE(NAME, CODE, OP)                                                          \
-    CASE(NAME##_SS) {                                                                    \
-        DataCell& d = base[i->a];                                                        \
-        const DataCell& left = base[i->b];                                               \
-        const DataCell& right = base[i->c];                                              \
-        const std::uint32_t tag = TagOf(left);                                           \
-        if (tag == TagOf(right) && !HoldsObject(d)) [[likely]] {                         \
-            if (tag == TYPE_INT) [[likely]] {                                            \
-                PutBool(d, left.integer OP right.integer);                               \
-                NEXT;                                                                    \
-            }                                                                            \
-            if (tag == TYPE_REAL) [[likely]] {                                           \
-                PutBool(d, left.real OP right.real);                                     \
-                NEXT;                                                                    \
-            }                                                                            \
-        }                                                                                \
-        SLOW(OperateSlots(CODE, *i, *frame));                                            \
-    }                                                                                    \
-    CASE(JF_##NAME##_SS)                                                                 \
-    TRUTH_SS(CODE, OP, JUMP_UNLESS)                                                      \
-    CASE(JF_##NAME##_SI)                                                                 \
-    TRUTH_SI(CODE, OP, JUMP_UNLESS) CASE(JF_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_UNLESS) \
-        CASE(JT_##NAME##_SS) TRUTH_SS(CODE, OP, JUMP_BACK_IF) CASE(JT_##NAME##_SI)       \
-            TRUTH_SI(CODE, OP, JUMP_BACK_IF) CASE(JT_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_BACK_IF)
+#define COMPARE(NAME, CODE, OP)                                                                \
+    CASE(NAME##_SS) {                                                                          \
+        DataCell& d = base[i->a];                                                              \
+        const DataCell& left = base[i->b];                                                     \
+        const DataCell& right = base[i->c];                                                    \
+        const std::uint32_t tag = TagOf(left);                                                 \
+        if (tag == TagOf(right) && !HoldsObject(d)) [[likely]] {                               \
+            if (tag == TYPE_INT) [[likely]] {                                                  \
+                PutBool(d, left.integer OP right.integer);                                     \
+                NEXT;                                                                          \
+            }                                                                                  \
+            if (tag == TYPE_REAL) [[likely]] {                                                 \
+                PutBool(d, left.real OP right.real);                                           \
+                NEXT;                                                                          \
+            }                                                                                  \
+        }                                                                                      \
+        SLOW(OperateSlots(CODE, *i, *frame));                                                  \
+    }                                                                                          \
+    CASE(NAME##_SI) {                                                                          \
+        DataCell& d = base[i->a];                                                              \
+        const DataCell& left = base[i->b];                                                     \
+        if (TagOf(left) == TYPE_INT && !HoldsObject(d)) [[likely]] {                           \
+            PutBool(d, left.integer OP i->value);                                              \
+            NEXT;                                                                              \
+        }                                                                                      \
+        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_INT));                                    \
+    }                                                                                          \
+    CASE(NAME##_SR) {                                                                          \
+        DataCell& d = base[i->a];                                                              \
+        const DataCell& left = base[i->b];                                                     \
+        if (TagOf(left) == TYPE_REAL && !HoldsObject(d)) [[likely]] {                          \
+            PutBool(d, left.real OP std::bit_cast<float>(i->value));                           \
+            NEXT;                                                                              \
+        }                                                                                      \
+        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_REAL));                                   \
+    }                                                                                          \
+    CASE(JF_##NAME##_SS)                                                                       \
+    TRUTH_SS(CODE, OP, JUMP_UNLESS)                                                            \
+    CASE(JF_##NAME##_SI)                                                                       \
+    TRUTH_SI(CODE, OP, JUMP_UNLESS)                                                            \
+    CASE(JF_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_UNLESS) CASE(JT_##NAME##_SS)                  \
+        TRUTH_SS(CODE, OP, JUMP_BACK_IF) CASE(JT_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_BACK_IF) \
+            CASE(JT_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_BACK_IF)
 
 // One turn of a counted loop: everything is INT, or the slow path takes the step and the test.
 #define TURN(TEST, STEP, LIMIT, CODE, OP, STEP_IN_SLOT, LIMIT_IN_SLOT)            \
@@ -349,6 +408,11 @@ std::int32_t Execute() {
             Put(d, tag, source.integer);
             NEXT;
         }
+        if (tag == TYPE_OBJECT) {
+            ObjectAddRef(ObjectOf(source));
+            Replace(d, tag, source.integer);
+            NEXT;
+        }
         SLOW(AssignSlot(*i, *frame));
     }
     CASE(COPY) {
@@ -356,6 +420,26 @@ std::int32_t Execute() {
         const std::uint32_t tag = TagOf(source);
         if (IsPlainOrArray(tag)) [[likely]] {
             Put(base[i->a], tag, source.integer);
+            NEXT;
+        }
+        if (tag == TYPE_OBJECT) [[likely]] {
+            ObjectAddRef(ObjectOf(source));
+            Put(base[i->a], tag, source.integer);
+            NEXT;
+        }
+        SLOW(CopySlot(*i, *frame));
+    }
+    CASE(MOVE) {
+        DataCell& d = base[i->a];
+        DataCell& source = base[i->b];
+        const std::uint32_t tag = TagOf(source);
+        if (IsPlain(tag) && !HoldsObject(d)) [[likely]] {
+            Put(d, tag, source.integer);
+            NEXT;
+        }
+        if (tag == TYPE_OBJECT) [[likely]] {
+            SetTag(source, TYPE_NOASSIGN);
+            Replace(d, tag, source.integer);
             NEXT;
         }
         SLOW(CopySlot(*i, *frame));
@@ -369,7 +453,9 @@ std::int32_t Execute() {
         SLOW(LoadConstant(*i, *frame));
     }
     CASE(LOAD_OBJECT) {
-        SLOW(LoadConstant(*i, *frame));
+        ObjectAddRef(ObjectTable[i->value]);
+        Replace(base[i->a], TYPE_OBJECT, i->value);
+        NEXT;
     }
     CASE(GET_GLOBAL) {
         const DataCell& source = StackBuf[i->value];
@@ -452,10 +538,30 @@ std::int32_t Execute() {
     ARITHMETIC(SUBTRACT, OP_SUBTRACT, WrapSubtract(l, r), l - r, true)
     ARITHMETIC(MULTIPLY, OP_MULTIPLY, WrapMultiply(l, r), l * r, true)
     ARITHMETIC(DIVIDE, OP_DIVIDE, WrapDivide(l, r), l / r, true)
-    ARITHMETIC(REMAINDER, OP_REMAINDER, (SAVE, Remainder(l, r)), l, false)
-    ARITHMETIC(AND, OP_AND, l & r, l, false)
-    ARITHMETIC(OR, OP_OR, l | r, l, false)
-    ARITHMETIC(XOR, OP_XOR, l ^ r, l, false)
+    CASE(REMAINDER_SS) {
+        DataCell& d = base[i->a];
+        const std::int32_t divisor = base[i->c].integer;
+        if (TagOf(base[i->b]) == TYPE_INT && TagOf(base[i->c]) == TYPE_INT && divisor > 0 && !HoldsObject(d))
+            [[likely]] {
+            PutInt(d, base[i->b].integer % divisor);
+            NEXT;
+        }
+        SLOW(OperateSlots(OP_REMAINDER, *i, *frame));
+    }
+    CASE(REMAINDER_SI) {
+        DataCell& d = base[i->a];
+        if (TagOf(base[i->b]) == TYPE_INT && i->value > 0 && !HoldsObject(d)) [[likely]] {
+            PutInt(d, base[i->b].integer % i->value);
+            NEXT;
+        }
+        SLOW(OperateImmediate(OP_REMAINDER, *i, *frame, TYPE_INT));
+    }
+    CASE(REMAINDER_SR) {
+        SLOW(OperateImmediate(OP_REMAINDER, *i, *frame, TYPE_REAL));
+    }
+    LOGIC(AND, OP_AND, l & r, l != 0 && r != 0)
+    LOGIC(OR, OP_OR, l | r, l != 0 || r != 0)
+    LOGIC(XOR, OP_XOR, l ^ r, l ^ r)
     ARITHMETIC(SHIFT_LEFT, OP_SHIFT_LEFT, ShiftLeft(l, r), l, false)
     ARITHMETIC(SHIFT_RIGHT, OP_SHIFT_RIGHT, ShiftRight(l, r), l, false)
     COMPARE(LESS, OP_LESS, <)
@@ -542,25 +648,35 @@ std::int32_t Execute() {
     }
     CASE(CALL)
     CASE(CALL_DROP) {
-        DataCell* argv = base + i->a;
-        const std::int32_t argc = i->b;
+        DataCell* const argv = base + i->a;
+        DataCell* place = argv;
+        std::int32_t argc = i->b;
         const bool wantsResult = i->op == Opcode::CALL;
         const Member* member = ClassList[0].members + i->value;
         if (argc > 0 && HoldsObject(*argv)) [[unlikely]] {
             member = &MemberFor(i->value, argc, argv);
         }
         frame->at = at;
-        const ScriptFunction* const function = member->script;
+        const ScriptFunction* function = member->script;
         if (function == nullptr) {
-            CurrentFrame = frame;
-            CallFromFrame(*i, *frame, argv, wantsResult);
-            TICK(BUILT_IN_TICKS);
-            NEXT;
+            if (member->function == CallValue && argc > 0 && argv->type == TYPE_FUNC) {
+                // call(f, ...): the arguments of f stand behind it.
+                function = MemberFor(argv->integer, argc - 1, argv + 1).script;
+            }
+            if (function == nullptr) {
+                CurrentFrame = frame;
+                CallFromFrame(*i, *frame, argv, wantsResult);
+                TICK(BUILT_IN_TICKS);
+                NEXT;
+            }
+            ++place;
+            --argc;
         }
-        DataCell* place = argv;
-        if (StackPtr != frame->top) [[unlikely]] {
+        TICK(1);
+        const std::int32_t callerTop = StackPtr;
+        if (callerTop != frame->top) [[unlikely]] {
             CurrentFrame = frame;
-            place = MoveArgumentsUp(argv, argc);
+            place = MoveArgumentsUp(place, argc);
         }
         std::int32_t top = static_cast<std::int32_t>(place - StackBuf) + function->cells - 1;
         top = top > StackPtr ? top : StackPtr;
@@ -572,7 +688,6 @@ std::int32_t Execute() {
             CurrentFrame = frame;
             ReportOverflow();
         }
-        TICK(1);
         for (std::int32_t local = argc; local < function->locals; ++local) {
             Put(place[local], TYPE_NOASSIGN, 0);
         }
@@ -583,7 +698,7 @@ std::int32_t Execute() {
         frame->base = base = place;
         frame->function = function;
         frame->result = wantsResult ? argv : nullptr;
-        frame->callerTop = StackPtr;
+        frame->callerTop = callerTop;
         frame->top = top;
         StackPtr = top;
         at = function->code;
@@ -604,8 +719,9 @@ std::int32_t Execute() {
             SetTag(value, TYPE_NOASSIGN);  // its reference leaves with the value
         }
         for (DataCell *cell = base, *behind = base + i->value; cell < behind; ++cell) {
-            if (HoldsObject(*cell)) [[unlikely]] {
-                ReleaseCell(cell);
+            if (HoldsObject(*cell)) {
+                SetTag(*cell, TYPE_NOASSIGN);
+                ObjectRelease(ObjectOf(*cell));
             }
         }
         if (StackPtr != frame->top) [[unlikely]] {
@@ -632,8 +748,9 @@ std::int32_t Execute() {
     }
     CASE(RETURN_NONE) {
         for (DataCell *cell = base, *behind = base + i->value; cell < behind; ++cell) {
-            if (HoldsObject(*cell)) [[unlikely]] {
-                ReleaseCell(cell);
+            if (HoldsObject(*cell)) {
+                SetTag(*cell, TYPE_NOASSIGN);
+                ObjectRelease(ObjectOf(*cell));
             }
         }
         if (StackPtr != frame->top) [[unlikely]] {

@@ -239,12 +239,10 @@ namespace {
 // Moves the result on top of the stack into argv[0] and discards everything above that.
 void MoveResult(DataCell* argv) {
     DataCell* top = StackBuf + StackPtr;
-    const std::uint16_t type = top->type;
-    const std::int16_t count = top->count;
-    const std::int32_t payload = top->integer;
     if (top == argv) {
         return;
     }
+    const DataCell result = ReadCell(*top);
     top->type = TYPE_NOASSIGN;
     for (DataCell* cell = top - 1; cell >= argv; --cell) {
         if (cell->type == TYPE_OBJECT) {
@@ -252,7 +250,7 @@ void MoveResult(DataCell* argv) {
             ObjectRelease(ObjectOf(*cell));
         }
     }
-    *argv = {type, count, {payload}};
+    *argv = result;
     StackPtr = static_cast<std::int32_t>(argv - StackBuf);
 }
 

@@ -172,7 +172,7 @@ DataCell OperateObject(std::int32_t code, const DataCell& left, const DataCell& 
     if (CallFunction(code, argc, argv) != RESULT) {
         ReportUnassigned();
     }
-    const DataCell result = *argv;
+    const DataCell result = ReadCell(*argv);
     argv->type = TYPE_NOASSIGN;  // its reference goes to the caller
     --StackPtr;
     return result;
@@ -180,7 +180,7 @@ DataCell OperateObject(std::int32_t code, const DataCell& left, const DataCell& 
 
 // Puts a result where it belongs; the cell's own reference moves with it.
 void Store(DataCell* destination, const DataCell& result) {
-    const DataCell old = *destination;
+    const DataCell old = ReadCell(*destination);
     *destination = result;
     if (old.type == TYPE_OBJECT) {
         ObjectRelease(ObjectOf(old));
@@ -191,9 +191,10 @@ DataCell Compute(std::int32_t code, OperandCell left, OperandCell right) {
     if (left.cell->type == TYPE_NOASSIGN || (right.cell != nullptr && right.cell->type == TYPE_NOASSIGN)) {
         ReportUnassigned();
     }
-    const DataCell rightValue = right.cell != nullptr ? *right.cell : NoCell();
-    const DataCell result = left.cell->type == TYPE_OBJECT ? OperateObject(code, *left.cell, rightValue)
-                                                           : OperateValue(code, *left.cell, rightValue);
+    const DataCell leftValue = ReadCell(*left.cell);
+    const DataCell rightValue = right.cell != nullptr ? ReadCell(*right.cell) : NoCell();
+    const DataCell result = leftValue.type == TYPE_OBJECT ? OperateObject(code, leftValue, rightValue)
+                                                          : OperateValue(code, leftValue, rightValue);
     ReleaseOwned(left);
     ReleaseOwned(right);
     return result;
@@ -295,6 +296,12 @@ void Operate(std::int32_t code, DataCell* destination, OperandCell left, Operand
 }
 
 bool OperateCondition(std::int32_t code, OperandCell left, OperandCell right) {
+    DataCell known = NoCell();
+    if (left.cell->type == TYPE_OBJECT && StringOperate(code, *left.cell, *right.cell, known)) {
+        ReleaseOwned(left);
+        ReleaseOwned(right);
+        return known.integer != 0;
+    }
     const DataCell result = Compute(code, left, right);
     if (result.type == TYPE_OBJECT) {
         ObjectRelease(ObjectOf(result));
@@ -313,7 +320,7 @@ bool Condition(const DataCell& cell) {
 }
 
 void Assign(DataCell* destination, OperandCell source) {
-    const DataCell value = *source.cell;
+    const DataCell value = ReadCell(*source.cell);
     if (destination == source.cell && value.type != TYPE_NOASSIGN) {
         return;
     }

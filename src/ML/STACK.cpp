@@ -26,7 +26,6 @@ namespace {
 
 constexpr std::size_t SIZE_STEP = 16;     // capacities of small blocks are multiples of this
 constexpr std::size_t SMALL_LIMIT = 256;  // larger blocks go back to the heap at once
-constexpr std::int16_t REFERENCES_MOST = 32767;
 constexpr int DESTRUCTORS = 256;
 
 bool overflowed = false;
@@ -92,19 +91,6 @@ std::uint32_t TakeHandle() {
     handles.push_back(nullptr);
     ObjectTable = handles.data();
     return static_cast<std::uint32_t>(handles.size() - 1);
-}
-
-void FreeBlock(ObjectBlock* block) {
-    if (auto* destroy = destructors[block->classId]) {
-        destroy(block);
-    }
-    handles[block->handle] = nullptr;
-    freeHandles.push_back(block->handle);
-    if (block->capacity <= SMALL_LIMIT) {
-        freeBlocks[block->capacity / SIZE_STEP].push_back(block);
-    } else {
-        std::free(block);
-    }
 }
 
 // The place for one more cell on top, after the steps every push runs.
@@ -184,18 +170,16 @@ ObjectBlock* ObjectAlloc(std::size_t size, int classId) {
     return block;
 }
 
-ObjectBlock* ObjectAddRef(ObjectBlock* block) {
-    if (block->references < REFERENCES_MOST) {
-        ++block->references;
+void ObjectDestroy(ObjectBlock* block) {
+    if (auto* destroy = destructors[block->classId]) {
+        destroy(block);
     }
-    ++ObjectCount;
-    return block;
-}
-
-void ObjectRelease(ObjectBlock* block) {
-    --ObjectCount;
-    if (block->references < REFERENCES_MOST && --block->references == 0) {
-        FreeBlock(block);
+    handles[block->handle] = nullptr;
+    freeHandles.push_back(block->handle);
+    if (block->capacity <= SMALL_LIMIT) {
+        freeBlocks[block->capacity / SIZE_STEP].push_back(block);
+    } else {
+        std::free(block);
     }
 }
 
@@ -259,7 +243,7 @@ DataCell* StackTop() {
 }
 
 void StackPush(const DataCell& cell) {
-    const DataCell copy = cell;  // the source may be a stack cell
+    const DataCell copy = ReadCell(cell);  // the source may be a stack cell
     if (copy.type == TYPE_OBJECT) {
         DataCell* top = Advance(1);
         ObjectAddRef(ObjectOf(copy));
@@ -335,8 +319,8 @@ DataCell* ArrayElements(const DataCell& array) {
 }
 
 void CellAssign(DataCell& destination, const DataCell& source) {
-    const DataCell old = destination;
-    const DataCell value = source;
+    const DataCell old = ReadCell(destination);
+    const DataCell value = ReadCell(source);
     if (value.type == TYPE_OBJECT) {
         ObjectAddRef(ObjectOf(value));
     }

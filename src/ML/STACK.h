@@ -5,6 +5,7 @@
 // top has the type OBJECT.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -54,6 +55,16 @@ constexpr DataCell NoCell() {
     return {TYPE_NOASSIGN, 0, {0}};
 }
 DataCell RealCell(double value);  // narrowed to single precision
+// A copy of a cell that may just have been written in parts: the type and the payload are read apart, because
+// one read across two fresh writes would wait until both have left the processor's store buffer. The copy is
+// one word, so that it is written in one piece.
+inline DataCell ReadCell(const DataCell& cell) {
+    const volatile DataCell& parts = cell;
+    const std::uint32_t head =
+        parts.type | static_cast<std::uint32_t>(static_cast<std::uint16_t>(parts.count)) << 16;
+    const auto payload = static_cast<std::uint32_t>(parts.integer);
+    return std::bit_cast<DataCell>(static_cast<std::uint64_t>(payload) << 32 | head);
+}
 
 // REAL to INT: truncates; out of range or not a number gives -2147483648.
 std::int32_t RealToInt(double value);
@@ -82,8 +93,21 @@ extern std::int32_t ObjectCount;
 // Header plus `size` data bytes (uninitialised), reference count 1. Failure:
 // "オブジェクト領域が確保できません。".
 ObjectBlock* ObjectAlloc(std::size_t size, int classId);
-ObjectBlock* ObjectAddRef(ObjectBlock* block);
-void ObjectRelease(ObjectBlock* block);
+// Frees a block whose last reference has gone.
+void ObjectDestroy(ObjectBlock* block);
+inline constexpr std::int16_t REFERENCES_MOST = 32767;
+inline ObjectBlock* ObjectAddRef(ObjectBlock* block) {
+    block->references =
+        static_cast<std::int16_t>(block->references + (block->references < REFERENCES_MOST ? 1 : 0));
+    ++ObjectCount;
+    return block;
+}
+inline void ObjectRelease(ObjectBlock* block) {
+    --ObjectCount;
+    if (block->references < REFERENCES_MOST && --block->references == 0) {
+        ObjectDestroy(block);
+    }
+}
 // A new block of the cell's class and size with a copy of its data, reference count 1.
 ObjectBlock* ObjectClone(const DataCell& cell);
 // The blocks by handle; it moves when objects are made.

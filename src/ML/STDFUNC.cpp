@@ -66,13 +66,6 @@ std::int32_t SizeOf(std::int32_t, std::int32_t, DataCell* argv) {
     return RESULT;
 }
 
-std::int32_t Call(std::int32_t, std::int32_t argc, DataCell* argv) {
-    if (argc < 1 || argv[0].type != TYPE_FUNC) {
-        RuntimeError("1 番目の引数の型が不正です( %s )"_sjis, "callfunction");
-    }
-    return CallFunction(argv[0].integer, argc - 1, argv + 1);
-}
-
 double Number(const DataCell& cell) {
     return CellNumber(cell);
 }
@@ -114,7 +107,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "tostring", ToString},
     {"", "typeof", TypeOf},
     {"", "sizeof", SizeOf, Takes("sizeof", {TYPE_ARRAY})},
-    {"", "call", Call},
+    {"", "call", CallValue},
     {"", "sqrt", OfOneReal<std::sqrt>, Takes("sqrt", {TYPE_NUMBER})},
     {"", "sin", OfOneReal<std::sin>, Takes("sin", {TYPE_REAL})},
     {"", "cos", OfOneReal<std::cos>, Takes("cos", {TYPE_REAL})},
@@ -131,6 +124,13 @@ constexpr BuiltIn FUNCTIONS[] = {
 };
 
 }  // namespace
+
+std::int32_t CallValue(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc < 1 || argv[0].type != TYPE_FUNC) {
+        RuntimeError("1 番目の引数の型が不正です( %s )"_sjis, "callfunction");
+    }
+    return CallFunction(argv[0].integer, argc - 1, argv + 1);
+}
 
 void StandardRegister() {
     RegisterBuiltIns(FUNCTIONS);

@@ -59,19 +59,38 @@ std::int32_t SubString(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
+// The byte offset of the first occurrence, -1 when there is none; an empty text occurs nowhere. The first
+// byte is found fastest, as long as it makes few false starts; otherwise the search takes over that never
+// compares a byte many times.
+std::int32_t OffsetOf(std::string_view text, std::string_view wanted) {
+    constexpr std::size_t BYTES_A_START = 16;
+    constexpr std::size_t STARTS_FREE = 64;
+    if (wanted.empty() || wanted.size() > text.size()) {
+        return -1;
+    }
+    const std::size_t places = text.size() - wanted.size() + 1;
+    std::size_t at = 0;
+    for (std::size_t starts = 0; at < places && starts < STARTS_FREE + at / BYTES_A_START; ++starts, ++at) {
+        const void* first = std::memchr(text.data() + at, wanted[0], places - at);
+        if (first == nullptr) {
+            return -1;
+        }
+        at = static_cast<std::size_t>(static_cast<const char*>(first) - text.data());
+        if (std::memcmp(first, wanted.data(), wanted.size()) == 0) {
+            return static_cast<std::int32_t>(at);
+        }
+    }
+    const void* found =
+        at < places ? memmem(text.data() + at, text.size() - at, wanted.data(), wanted.size()) : nullptr;
+    return found == nullptr ? -1 : static_cast<std::int32_t>(static_cast<const char*>(found) - text.data());
+}
+
 std::int32_t Search(std::int32_t, std::int32_t argc, DataCell* argv) {
     const std::string_view text = SelfText(argc, argv);
     if (!IsString(argv[1])) {
         RuntimeError("%s", "2番目の引数の型が不正です(String:search)"_sjis);
     }
-    const std::string_view wanted = StringText(argv[1]);
-    std::int32_t offset = -1;
-    if (!wanted.empty()) {
-        if (const void* found = memmem(text.data(), text.size(), wanted.data(), wanted.size())) {
-            offset = static_cast<std::int32_t>(static_cast<const char*>(found) - text.data());
-        }
-    }
-    StackPushInt(offset);
+    StackPushInt(OffsetOf(text, StringText(argv[1])));
     return RESULT;
 }
 
@@ -262,16 +281,6 @@ bool StringOperate(std::int32_t code, const DataCell& left, const DataCell& righ
         default:
             return false;
     }
-}
-
-bool IsString(const DataCell& cell) {
-    return cell.type == TYPE_OBJECT &&
-           (ObjectOf(cell)->classId == StringClass || IsInstance(cell, StringClass));
-}
-
-std::string_view StringText(const DataCell& cell) {
-    const ObjectBlock* block = ObjectOf(cell);
-    return {reinterpret_cast<const char*>(block->Data()), block->size - 1};
 }
 
 const char* StringChars(const DataCell& cell) {

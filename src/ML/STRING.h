@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "ML/FUNC.h"
 #include "ML/STACK.h"
 
 namespace quelmark {
@@ -28,9 +29,14 @@ bool StringAppend(DataCell& text, const DataCell& value);
 // when it is none of these.
 bool StringOperate(std::int32_t code, const DataCell& left, const DataCell& right, DataCell& result);
 
-bool IsString(const DataCell& cell);
+inline bool IsString(const DataCell& cell) {
+    return cell.type == TYPE_OBJECT && (ObjectOf(cell)->classId == StringClass || IsInstance(cell, StringClass));
+}
 // The text of a String cell, without the NUL; valid while the object lives.
-std::string_view StringText(const DataCell& cell);
+inline std::string_view StringText(const DataCell& cell) {
+    const ObjectBlock* block = ObjectOf(cell);
+    return {reinterpret_cast<const char*>(block->Data()), block->size - 1};
+}
 // The same as a C string.
 const char* StringChars(const DataCell& cell);
 
