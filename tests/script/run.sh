@@ -16,7 +16,7 @@ cp "$(dirname "$script")/$name".* "$folder/" 2>/dev/null
 } > "$folder/Quelmark.ini"
 cd "$folder" || exit 1
 [ -f "$name.input" ] && export QUELMARKINPUT="$folder/$name.input"
-arguments=$(sed -n 's|^// arguments: ||p' "$name.qms")
+arguments=$(sed -n 's|.*// arguments: ||p' "$name.qms")
 # shellcheck disable=SC2086
 MODELPATH="$folder" "$program" $arguments > printed.txt 2> errors.txt
 status=$?
