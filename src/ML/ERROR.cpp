@@ -79,9 +79,8 @@ void RuntimeError(const char* format, ...) {
     Report(ExecPosition(), "Error", format, arguments);
 }
 
-void CheckFailed(const char* condition, std::source_location where) {
-    RuntimeError("Internal check \"%s\" failed (%s, line %u)", condition,
-                 ModuleName(where.file_name()).c_str(), static_cast<unsigned>(where.line()));
+void CheckFailed(const char* condition, const char* file, int line) {
+    RuntimeError("Internal check \"%s\" failed (%s, line %d)", condition, ModuleName(file).c_str(), line);
 }
 
 int Warning(std::string_view message) {

@@ -5,7 +5,6 @@
 // and must hold nothing that only its own normal exit would free.
 #pragma once
 
-#include <source_location>
 #include <string>
 #include <string_view>
 
@@ -30,11 +29,12 @@ using WarningHook = int (*)(std::string_view message);
 
 // Internal consistency: when `holds` is false, a RuntimeError that names the condition, the module
 // ("ML\STACK", from the source file's path) and the line.
-[[noreturn]] void CheckFailed(const char* condition, std::source_location where);
-inline void Check(bool holds, const char* condition,
-                  std::source_location where = std::source_location::current()) {
+[[noreturn]] void CheckFailed(const char* condition, const char* file, int line);
+// The compiler's own functions name the caller's place: not every standard library has std::source_location.
+inline void Check(bool holds, const char* condition, const char* file = __builtin_FILE(),
+                  int line = __builtin_LINE()) {
     if (!holds) [[unlikely]] {
-        CheckFailed(condition, where);
+        CheckFailed(condition, file, line);
     }
 }
 

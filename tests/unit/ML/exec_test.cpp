@@ -396,8 +396,7 @@ TEST_F(Executor, ObjectCountComesBackAfterEveryKindOfError) {
         "var s = \"a\" + 1; print(s * 2);",
         "function f(x) { var y = x + \"b\", a[3]; a[1] = y; return y + (5 + y); } f(\"q\" + 1);",
         "function f(x) { return substr(x + \"b\", x + \"c\"); } f(\"q\");",
-        "function f(x) { x = x + \"y\" + undefinedvalue(x); } function undefinedvalue(x) { return; } "
-        "f(\"q\");",
+        "function no(x) { } function f(x) { x = x + \"y\" + no(x); } f(\"q\");",
         "function f(x) { var a[2]; a[0] = x + 1; f(a[0]); } f(\"q\");",
         "var a[2]; a[0] = \"x\" + 1; a[\"y\" + 2] = a[0] + 3;",
         "print(\"a\" + 1, \"b\" + 2, 5 + \"c\");",
