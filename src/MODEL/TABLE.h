@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 
 #include "MODEL/POLY.h"
@@ -18,7 +17,7 @@ inline constexpr std::size_t TABLE_NAME_BYTES = 16;
 template <std::size_t N>
 void CopyText(char (&to)[N], std::string_view text, std::size_t most = N - 1) {
     const std::size_t length = std::min({text.size(), most, N - 1});
-    std::memcpy(to, text.data(), length);
+    text.copy(to, length);
     to[length] = '\0';
 }
 
