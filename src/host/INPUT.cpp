@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
@@ -147,6 +148,7 @@ void BindSpecialKey(std::int32_t number, std::int32_t handler) {
 }
 
 void WaitStep() {
+    std::fflush(stdout);  // what scripts have printed is to be seen while they wait
     InputState now;
     for (bool pending = true; pending;) {
         HostWindow().Deliver(PULSE_INTERVAL);

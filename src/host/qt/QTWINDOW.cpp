@@ -74,7 +74,7 @@ QtWindow::QtWindow() {
 // ---- messages and input ----
 
 void QtWindow::Deliver(std::int32_t milliseconds) {
-    if (milliseconds <= 0 || !keys_.empty()) {
+    if (milliseconds <= 0 || !keys_.empty() || !buttons_.empty()) {
         QCoreApplication::processEvents();
         return;
     }
@@ -86,6 +86,15 @@ void QtWindow::Deliver(std::int32_t milliseconds) {
 
 InputState QtWindow::TakeInput() {
     InputState taken = state_;
+    if (!buttons_.empty()) {
+        const PendingButtons& step = buttons_.front();
+        taken.x = step.x;
+        taken.y = step.y;
+        taken.left = step.left;
+        taken.right = step.right;
+        taken.shift = step.shift;
+        buttons_.pop_front();
+    }
     if (!keys_.empty()) {
         taken.keyCode = keys_.front().code;
         taken.shift = keys_.front().shift;
@@ -125,9 +134,8 @@ void QtWindow::TakeShift(Qt::KeyboardModifiers modifiers) {
         ((modifiers & Qt::ShiftModifier) != 0 ? 1 : 0) | ((modifiers & Qt::ControlModifier) != 0 ? 2 : 0);
 }
 
-// A character that follows its own key press in the same event is dropped by the caller; keys typed ahead
-// wait in order.
-void QtWindow::PutKey(std::int32_t code, bool) {
+// Keys typed ahead wait in order.
+void QtWindow::PutKey(std::int32_t code) {
     if (code != 0 && keys_.size() < KEYS_MOST) {
         keys_.push_back({code, state_.shift});
     }
@@ -139,11 +147,11 @@ void QtWindow::keyPressEvent(QKeyEvent* event) {
     modifiers |= event->key() == Qt::Key_Control ? Qt::ControlModifier : Qt::NoModifier;
     TakeShift(modifiers);
     if (const std::int32_t code = KeyCodeOf(*event)) {
-        return PutKey(code, true);
+        return PutKey(code);
     }
     const auto text = Utf8ToCp932(event->text().toStdString());
     for (const char byte : text.value_or("")) {
-        PutKey(static_cast<unsigned char>(byte), false);
+        PutKey(static_cast<unsigned char>(byte));
     }
 }
 
@@ -158,7 +166,7 @@ void QtWindow::keyReleaseEvent(QKeyEvent* event) {
 
 void QtWindow::inputMethodEvent(QInputMethodEvent* event) {
     for (const char byte : Utf8ToCp932Lossy(event->commitString().toStdString())) {
-        PutKey(static_cast<unsigned char>(byte), false);
+        PutKey(static_cast<unsigned char>(byte));
     }
     event->accept();
 }

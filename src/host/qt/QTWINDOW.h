@@ -53,8 +53,9 @@ class QtWindow final : public QWidget, public Window {
 
   private:
     void TakeMouse(const QMouseEvent& event);
+    void TakeButtons(const QMouseEvent& event);
     void TakeShift(Qt::KeyboardModifiers modifiers);
-    void PutKey(std::int32_t code, bool fromKey);
+    void PutKey(std::int32_t code);
     void ExpandFrame(const QRect& area);
     void PaintList(QPainter& painter);
     void PaintStatus(QPainter& painter);
@@ -65,7 +66,14 @@ class QtWindow final : public QWidget, public Window {
         std::int32_t code;
         std::int32_t shift;
     };
+    // A change of the buttons, kept until a step takes it: a click may come and go within one delivery.
+    struct PendingButtons {
+        std::int32_t x, y;
+        bool left, right;
+        std::int32_t shift;
+    };
     InputState state_;
+    std::deque<PendingButtons> buttons_;
     std::deque<PendingKey> keys_;
     std::int32_t wheelRest_ = 0;  // eighths of a degree not yet a whole turn
     std::array<QRgb, 16> palette_{};
