@@ -9,8 +9,8 @@ namespace quelmark {
 
 void StandardRegister();
 
-// The function "call": calls the FUNC value that is its first argument with the others. The executor knows it, so
-// that it calls script functions without leaving its loop.
+// The function "call": calls the FUNC value that is its first argument with the others. The executor knows
+// it, so that it calls script functions without leaving its loop.
 std::int32_t CallValue(std::int32_t ident, std::int32_t argc, DataCell* argv);
 
 // Hands the texts of the values, separated by one blank, to `write` one after the other.

@@ -30,7 +30,8 @@ bool StringAppend(DataCell& text, const DataCell& value);
 bool StringOperate(std::int32_t code, const DataCell& left, const DataCell& right, DataCell& result);
 
 inline bool IsString(const DataCell& cell) {
-    return cell.type == TYPE_OBJECT && (ObjectOf(cell)->classId == StringClass || IsInstance(cell, StringClass));
+    return cell.type == TYPE_OBJECT &&
+           (ObjectOf(cell)->classId == StringClass || IsInstance(cell, StringClass));
 }
 // The text of a String cell, without the NUL; valid while the object lives.
 inline std::string_view StringText(const DataCell& cell) {

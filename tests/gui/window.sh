@@ -41,7 +41,8 @@ case "$text" in *Error*) fail "an error: $text" ;; esac
 
 # One view alone, fitted: more than the background is to be seen.
 xdotool key 1; settle; xdotool key f; settle
-import -window "$id" -depth 8 -crop 400x300+100+100 +repage "$folder/window.ppm"
+import -window root -depth 8 "$folder/root.ppm"
+convert "$folder/root.ppm" -crop 400x300+100+100 +repage "$folder/window.ppm"
 colours=$(convert "$folder/window.ppm" -format %k info:)
 [ "$colours" -ge 3 ] || fail "the view shows $colours colours"
 

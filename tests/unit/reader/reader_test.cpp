@@ -61,12 +61,15 @@ class Reader : public ScriptTest {
 
 TEST_F(Reader, WhatTheWriterWritesIsRead) {
     bool good = false;
-    EXPECT_EQ(Read("atr akai {\n\tcol ( rgb ( 1.00 0.00 0.50 ) )\n\ttra ( 0.25 )\n\tamb ( 0.50 )\n\tdif ( 0.50 )\n"
-                   "\tspc ( 0.50 0.25 2.00 )\n\tref ( 0.10 )\n\tcolormap ( wood.tga )\n\tmapsize ( 320 200   0.5000 -1 )\n}\n"
-                   "obj suf hako {\natr akai\nprim\tuvshade\t(\t1\t2\t3\t0\t0\t256\t7\t8\n\t\t \t4\t5\t6\t0\t0\t256\t0\t0\n"
-                   "\t\t \t-7\t8\t9\t0\t0\t256\t1\t1 )\n\n}\n",
-                   &good),
-              "");
+    EXPECT_EQ(
+        Read("atr akai {\n\tcol ( rgb ( 1.00 0.00 0.50 ) )\n\ttra ( 0.25 )\n\tamb ( 0.50 )\n\tdif ( 0.50 )\n"
+             "\tspc ( 0.50 0.25 2.00 )\n\tref ( 0.10 )\n\tcolormap ( wood.tga )\n\tmapsize ( 320 200   "
+             "0.5000 -1 )\n}\n"
+             "obj suf hako {\natr akai\nprim\tuvshade\t(\t1\t2\t3\t0\t0\t256\t7\t8\n\t\t "
+             "\t4\t5\t6\t0\t0\t256\t0\t0\n"
+             "\t\t \t-7\t8\t9\t0\t0\t256\t1\t1 )\n\n}\n",
+             &good),
+        "");
     EXPECT_TRUE(good);
     const AttributeRecord& a = AttrTable[0];
     EXPECT_STREQ(a.name, "akai");
@@ -109,8 +112,9 @@ TEST_F(Reader, AMissingBraceIsNamed) {
     EXPECT_EQ(Read("obj suf a prim"), "t.suf  1 :  { がありません。   next token=prim\n");
 }
 TEST_F(Reader, ABlockThatIsNoObjectIsSkippedToTheNext) {
-    EXPECT_EQ(Read("obj suf a {\natr x\n" + std::string(TRI) + "}\nfoo bar\nobj suf b {\natr x\n" + TRI + "}"),
-              "t.suf  5 :  obj がありません。   next token=foo\n");
+    EXPECT_EQ(
+        Read("obj suf a {\natr x\n" + std::string(TRI) + "}\nfoo bar\nobj suf b {\natr x\n" + TRI + "}"),
+        "t.suf  5 :  obj がありません。   next token=foo\n");
     EXPECT_EQ(Polygons(), 2);
 }
 TEST_F(Reader, ANameOf32BytesIsRefusedAndQuoted) {
@@ -119,8 +123,9 @@ TEST_F(Reader, ANameOf32BytesIsRefusedAndQuoted) {
               "t.suf  1 : 名前（" + name + "）が長すぎます。（３１文字まで)   next token=" + name + "\n");
     EXPECT_EQ(Read("obj suf " + std::string(31, 'n') + " {\n}"), "");
 }
-TEST_F(Reader, AReservedWordIsNoName) {
-    EXPECT_EQ(Read("obj suf poly {\n}"), "t.suf  1 : 名前（poly）がおかしい   next token=poly\n");
+TEST_F(Reader, AnyWordMayBeANameAndPunctuationIsNone) {
+    EXPECT_EQ(Read("obj suf red {\n}"), "");
+    EXPECT_EQ(Read("obj suf ( {\n}"), "t.suf  1 : 名前（(）がおかしい   next token=(\n");
 }
 TEST_F(Reader, TwoVerticesAreTooFewAndThePolygonIsDropped) {
     EXPECT_EQ(Read("obj suf a {\natr x\nprim poly ( 0 0 0 1 1 1 )\n" + std::string(TRI) + "}"),
@@ -133,18 +138,22 @@ TEST_F(Reader, AWordAmongTheNumbersIsReportedWithItsLine) {
     EXPECT_EQ(Polygons(), 1);
 }
 TEST_F(Reader, AnUnknownPolygonTypeIsNotSupported) {
-    EXPECT_EQ(Read("obj suf a {\natr x\nprim star ( 0 0 0 )\n}"), "t.suf  3 :  star はサポートしていません。   next token=star\n");
+    EXPECT_EQ(Read("obj suf a {\natr x\nprim star ( 0 0 0 )\n}"),
+              "t.suf  3 :  star はサポートしていません。   next token=star\n");
 }
 TEST_F(Reader, APolygonBeforeAnyAttributeUsesNo) {
-    EXPECT_EQ(Read("obj suf a {\n" + std::string(TRI) + TRI + "}"), "t.suf  2 : atr no があります。   next token=)\n");
+    EXPECT_EQ(Read("obj suf a {\n" + std::string(TRI) + TRI + "}"),
+              "t.suf  2 : atr no があります。   next token=)\n");
     EXPECT_STREQ(AttrTable[0].name, "no");
 }
 TEST_F(Reader, TheEndInsideABlockIsReportedAndWhatWasReadStays) {
-    EXPECT_EQ(Read("obj suf a {\natr x\n" + std::string(TRI)), "t.suf  4 : エンドオブファイルになりました   next token=\n");
+    EXPECT_EQ(Read("obj suf a {\natr x\n" + std::string(TRI)),
+              "t.suf  4 : エンドオブファイルになりました   next token=\n");
     EXPECT_EQ(Polygons(), 1);
 }
 TEST_F(Reader, CoordinatesOutsideTheRangeAreClampedWithOneWarning) {
-    EXPECT_EQ(Read("obj suf a {\natr x\nprim poly ( 99999 0 0 -99999 1.9 0 0 -1.9 40000 )\nprim poly ( 40000 0 0 1 0 0 0 1 0 )\n}"),
+    EXPECT_EQ(Read("obj suf a {\natr x\nprim poly ( 99999 0 0 -99999 1.9 0 0 -1.9 40000 )\nprim poly ( 40000 "
+                   "0 0 1 0 0 0 1 0 )\n}"),
               "t.suf  3 : 警告：座標が範囲を越えたので制限しました。   next token=)\n");
     const PolygonRecord* p = PolygonTop();
     EXPECT_EQ(p->vertex[0].x, 32767);
@@ -157,19 +166,25 @@ TEST_F(Reader, TooManyVerticesAreTooComplex) {
     for (int i = 0; i < 301; ++i) {
         numbers += "1 2 3\n";
     }
-    EXPECT_NE(Read("obj suf a {\natr x\nprim poly ( " + numbers + ")\n" + TRI + "}").find("構造定義が複雑すぎます。"), std::string::npos);
+    EXPECT_NE(Read("obj suf a {\natr x\nprim poly ( " + numbers + ")\n" + TRI + "}")
+                  .find("構造定義が複雑すぎます。"),
+              std::string::npos);
     EXPECT_EQ(Polygons(), 1);
 }
 TEST_F(Reader, CommentsAreBlanks) {
     EXPECT_EQ(Read("/* a\n} */ obj suf a { atr x /* b */ " + std::string(TRI) + "}"), "");
 }
 TEST_F(Reader, AttributeFaults) {
-    EXPECT_EQ(Read("atr x { bumpmap ( a ) }"), "t.suf  1 : bumpmap 処理はサポートしていません。   next token=bumpmap\n");
-    EXPECT_EQ(Read("atr x { mapsize ( 1 2 3 ) }"), "t.suf  1 : マッピングデータがおかしい。   next token=)\n");
+    EXPECT_EQ(Read("atr x { bumpmap ( a ) }"),
+              "t.suf  1 : bumpmap 処理はサポートしていません。   next token=bumpmap\n");
+    EXPECT_EQ(Read("atr x { mapsize ( 1 2 3 ) }"),
+              "t.suf  1 : マッピングデータがおかしい。   next token=)\n");
     EXPECT_EQ(Read("atr x { col ( foo ) }"), "t.suf  1 : 色情報がおかしい。   next token=foo\n");
     EXPECT_EQ(Read("atr x { light }"), "t.suf  1 :  light はサポートしていません。   next token=light\n");
     EXPECT_EQ(Read("atr x col"), "t.suf  1 :  { がありません。   next token=col\n");
-    EXPECT_EQ(Read("atr x { col ( 1"), "t.suf  1 : エンドオブファイルになりました   next token=\nt.suf  1 : エンドオブファイルになりました   next token=\n");
+    EXPECT_EQ(Read("atr x { col ( 1"),
+              "t.suf  1 : エンドオブファイルになりました   next token=\nt.suf  1 : "
+              "エンドオブファイルになりました   next token=\n");
     EXPECT_EQ(Read("atr x { q }"), "t.suf  1 :  q が存在します。   next token=q\n");
 }
 TEST_F(Reader, HsvColours) {
@@ -204,12 +219,14 @@ TEST_F(Reader, APartIsFoundInItsTwoLetterFolderAndMoved) {
 }
 TEST_F(Reader, APartDirectlyUnderPartsIsNotFound) {
     File("parts/abcd.suf", "obj suf p { }");
-    EXPECT_NE(Read("obj suf a {\nparts abcd\n}").find("ファイル abcd がオープンできません。"), std::string::npos);
+    EXPECT_NE(Read("obj suf a {\nparts abcd\n}").find("ファイル abcd がオープンできません。"),
+              std::string::npos);
 }
 TEST_F(Reader, TenLevelsOfPartsAreReadAndTheEleventhIsTooComplex) {
     for (int i = 1; i <= 11; ++i) {
-        File("p" + std::to_string(i) + "x.suf", "obj suf p {\natr x\n" + std::string(TRI) +
-                                                    (i < 11 ? "parts p" + std::to_string(i + 1) + "x\n" : "") + "}");
+        File("p" + std::to_string(i) + "x.suf",
+             "obj suf p {\natr x\n" + std::string(TRI) +
+                 (i < 11 ? "parts p" + std::to_string(i + 1) + "x\n" : "") + "}");
     }
     EXPECT_NE(Read("obj suf a {\nparts p1x\n}").find("構造定義が複雑すぎます。"), std::string::npos);
     EXPECT_EQ(Polygons(), 10);
@@ -237,15 +254,19 @@ TEST_F(Reader, EscapeStopsTheRead) {
     ReaderSetCancelCheck(nullptr);
 }
 TEST_F(Reader, TruncatedFilesNeverCrash) {
-    const std::string text = "atr x { col ( rgb ( 1 0 0 ) ) spc ( 1 1 1 ) mapsize ( 1 2 3 4 ) }\nobj private suf a {\natr x\n"
-                             "prim shade ( 0 0 0 0 0 256 1 0 0 0 0 256 0 1 0 0 0 256 )\nparts q mov ( 1 2 3 ) mat ( 1 ) /* c */\n}";
+    const std::string text =
+        "atr x { col ( rgb ( 1 0 0 ) ) spc ( 1 1 1 ) mapsize ( 1 2 3 4 ) }\nobj private suf a {\natr x\n"
+        "prim shade ( 0 0 0 0 0 256 1 0 0 0 0 256 0 1 0 0 0 256 )\nparts q mov ( 1 2 3 ) mat ( 1 ) /* c "
+        "*/\n}";
     for (std::size_t length = 0; length < text.size(); ++length) {
         Read(text.substr(0, length));
     }
     SUCCEED();
 }
 TEST_F(Reader, MutatedFilesNeverCrash) {
-    const std::string text = "atr x { col ( rgb ( 1 0 0 ) ) spc ( 1 1 1 ) }\nobj suf a {\natr x\nprim poly ( 0 0 0 1 0 0 0 1 0 )\n}";
+    const std::string text =
+        "atr x { col ( rgb ( 1 0 0 ) ) spc ( 1 1 1 ) }\nobj suf a {\natr x\nprim poly ( 0 0 0 1 0 0 0 1 0 "
+        ")\n}";
     std::uint32_t random = 12345;
     const auto next = [&random] { return (random = random * 1664525U + 1013904223U) >> 8; };
     for (int round = 0; round < 3000; ++round) {

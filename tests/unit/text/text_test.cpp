@@ -128,7 +128,9 @@ TEST_F(Path, LettersInAnotherCaseAreFound) {
     EXPECT_TRUE(PathExists(folder.string() + "\\sub\\FILE.txt"));
     EXPECT_FALSE(PathExists(folder.string() + "\\sub\\FILE.tx"));
 }
-TEST_F(Path, JapaneseNamesAreFound) { EXPECT_TRUE(PathExists(folder.string() + "\\" + std::string("表.suf"_sjis))); }
+TEST_F(Path, JapaneseNamesAreFound) {
+    EXPECT_TRUE(PathExists(folder.string() + "\\" + std::string("表.suf"_sjis)));
+}
 TEST_F(Path, ADirectoryIsNoFile) {
     EXPECT_EQ(OpenFile(folder.string(), "r"), nullptr);
     EXPECT_EQ(ReadWholeFile(folder.string()), std::nullopt);

@@ -41,7 +41,8 @@ TEST(Lines, AClippedLineHasThePixelsOfTheWholeLine) {
         DrawLine(cut, clip, a, b, 1);
         auto wanted = Pixels(whole);
         std::erase_if(wanted, [&](const auto& p) {
-            return p.first < clip.left || p.first >= clip.right || p.second < clip.top || p.second >= clip.bottom;
+            return p.first < clip.left || p.first >= clip.right || p.second < clip.top ||
+                   p.second >= clip.bottom;
         });
         ASSERT_EQ(Pixels(cut), wanted);
     }
@@ -90,11 +91,18 @@ class View3D : public ScriptTest {
         ModelExit();
         ScriptTest::TearDown();
     }
-    static void Triangle(int x0, int y0, int z0, int x1, int y1, int z1, int x2, int y2, int z2, bool select = false) {
+    static void Triangle(int x0, int y0, int z0, int x1, int y1, int z1, int x2, int y2, int z2,
+                         bool select = false) {
         CurrentPolygon->vers = 3;
         auto set = [](int i, int x, int y, int z) {
-            CurrentPolygon->vertex[i] = {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
-                                         static_cast<std::int16_t>(z), 0, 0, 0, 0, 0};
+            CurrentPolygon->vertex[i] = {static_cast<std::int16_t>(x),
+                                         static_cast<std::int16_t>(y),
+                                         static_cast<std::int16_t>(z),
+                                         0,
+                                         0,
+                                         0,
+                                         0,
+                                         0};
         };
         set(0, x0, y0, z0);
         set(1, x1, y1, z1);
@@ -105,7 +113,8 @@ class View3D : public ScriptTest {
         int count = 0;
         const PixelRect r = Views[ViewIndex(view)].Rect();
         for (int y = r.top; y < r.bottom; ++y) {
-            count += static_cast<int>(std::count(ViewFrame.Row(y) + r.left, ViewFrame.Row(y) + r.right, colour));
+            count +=
+                static_cast<int>(std::count(ViewFrame.Row(y) + r.left, ViewFrame.Row(y) + r.right, colour));
         }
         return count;
     }
