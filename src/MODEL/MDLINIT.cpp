@@ -1,9 +1,12 @@
 #include "MODEL/MDLINIT.h"
 
 #include "MATLIB/SETVEC.h"
+#include "MODEL/BUTTON.h"
+#include "MODEL/DLOGLIB.h"
 #include "MODEL/EDGE.h"
 #include "MODEL/EVENT.h"
 #include "MODEL/FILE.h"
+#include "MODEL/MENU.h"
 #include "MODEL/POLY.h"
 #include "MODEL/SYSLIB.h"
 #include "MODEL/VERSET.h"
@@ -19,7 +22,10 @@ void ModelLibrariesRegister() {
     ViewLibraryRegister();
     EdgeRegister();
     VertexSetRegister();
+    MenuLibraryRegister();
+    DialogLibraryRegister();
     SystemLibraryRegister();
+    ButtonLibraryRegister();
 }
 
 }  // namespace quelmark

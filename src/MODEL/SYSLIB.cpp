@@ -6,6 +6,7 @@
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "ML/STRING.h"
+#include "host/CHILD.h"
 #include "host/CONFIG.h"
 #include "host/HOST.h"
 #include "host/INPUT.h"
@@ -37,6 +38,11 @@ std::int32_t Quit(std::int32_t, std::int32_t, DataCell*) {
     return NO_RESULT;
 }
 
+std::int32_t Child(std::int32_t, std::int32_t argc, DataCell* argv) {
+    ChildStart(TextOf(argv[0]), argc > 1 && argv[1].integer != 0);
+    return NO_RESULT;
+}
+
 std::int32_t WaitEvent(std::int32_t, std::int32_t, DataCell*) {
     StackPushBool(InputStep());
     return RESULT;
@@ -65,7 +71,7 @@ std::int32_t GetArg(std::int32_t, std::int32_t, DataCell* argv) {
 std::int32_t UpdateAll(std::int32_t, std::int32_t, DataCell*) {
     ViewClear(true);
     ViewRedraw(WHOLE_AREA, true);
-    for (const Pane pane : {Pane::List, Pane::Status, Pane::Message}) {
+    for (const Pane pane : {Pane::List, Pane::Buttons, Pane::Status, Pane::Message}) {
         HostWindow().Invalidate(pane);
     }
     return NO_RESULT;
@@ -116,6 +122,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "Version", Version, Takes("Version", {})},
     {"", "Environ", Environ, Takes("Environ", {})},
     {"", "Quit", Quit, Takes("Quit", {})},
+    {"String", "Child", Child, Takes("Child", {TYPE_OBJECT, TYPE_FLAG, TYPE_FLAG}, 1)},
     {"", "WaitEvent", WaitEvent, Takes("WaitEvent", {})},
     {"", "InputMode", InputMode, Takes("InputMode", {TYPE_INT, TYPE_INT})},
     {"String", "Message", ShowMessage, Takes("Message", {TYPE_OBJECT})},

@@ -7,11 +7,13 @@
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "ML/ML.h"
 #include "MODEL/POLY.h"
+#include "host/BUTTONS.h"
 #include "host/CONFIG.h"
 #include "host/INPUT.h"
 #include "host/PANES.h"
@@ -35,6 +37,7 @@ std::string logPath;                     // host path, empty for no log
 std::string searchPath;
 bool handlersInstalled = false;
 bool started = false;
+bool errorKept = false;  // raised inside the window system, not yet in the wait step
 
 struct Settings {
     InterpreterSizes interpreter;
@@ -241,6 +244,9 @@ void StartUp(void (*registerLibraries)()) {
     PanesReset();
     SetPalette();
     HandlersReset();
+    MenuBarReset();
+    DialogReset();
+    ButtonsReset();
     ModelInit(TimesKilobyte(settings.bufferKilobytes), settings.objects, settings.attributes,
               settings.vertices);
     if (BufTop == nullptr || AttrRevision == 0) {
@@ -254,6 +260,13 @@ void StartUp(void (*registerLibraries)()) {
 
 // ---- running ----
 
+// What an abandoned handler leaves open.
+void CloseOpenInteraction() {
+    DialogDiscard();
+    ButtonsRelease();
+    MenuPopAll();
+}
+
 // Runs one pass of something that may fail: false when an error or a quit has unwound it.
 template <class Pass>
 bool Guarded(const ExecMark& base, Pass pass) {
@@ -261,6 +274,12 @@ bool Guarded(const ExecMark& base, Pass pass) {
         pass();
     } catch (const ScriptAbort&) {
         ExecRecover(base);
+        CloseOpenInteraction();
+        return false;
+    } catch (const std::bad_alloc&) {
+        MessageShow("メモリが足りません。"_sjis);
+        ExecRecover(base);
+        CloseOpenInteraction();
         return false;
     }
     ExecRecover(base);
@@ -335,7 +354,7 @@ int Run(void (*registerLibraries)()) {
 int HostMain(Window& mainWindow, const std::string& programPath, const std::vector<std::string>& arguments,
              void (*registerLibraries)()) {
     window = &mainWindow;
-    handlersInstalled = started = false;
+    handlersInstalled = started = errorKept = false;
     QuitFlag = false;
     SetUpLog(programPath);
     SetOutputSink(WriteOutput);
@@ -368,6 +387,7 @@ void HostResized() {
     }
     ViewLayout(ViewsRect().right, ViewsRect().bottom, window->LineHeight());
     window->Invalidate(Pane::List);
+    window->Invalidate(Pane::Buttons);
     window->Invalidate(Pane::Status);
     window->Invalidate(Pane::Message);
 }
@@ -390,6 +410,23 @@ bool HostMayClose() {
     bool close = false;
     Guarded(mark, [&close] { close = CallHandler(PaneEvents.canClose, {0}); });
     return close;
+}
+
+void HostGuarded(const std::function<void()>& work) {
+    const ExecMark mark = ExecTakeMark();
+    try {
+        work();
+    } catch (const ScriptAbort&) {
+        ExecRecover(mark);
+        errorKept = true;
+    }
+}
+
+void HostRaiseKept() {
+    if (errorKept) {
+        errorKept = false;
+        HostUnwind();
+    }
 }
 
 void HostUnwind() {

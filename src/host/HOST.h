@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +26,10 @@ const std::string& HostProgramDirectory();
 std::string HostArgument(std::int32_t index);
 // Asks the can-close handler; a handler that fails or gives no result keeps the window open.
 bool HostMayClose();
+// Runs script code on behalf of the window system, inside Window::Deliver: an error does not cross the window
+// system's frames, it is kept and raised again when control is back in the wait step.
+void HostGuarded(const std::function<void()>& work);
+void HostRaiseKept();
 // Leaves for the recovery point.
 [[noreturn]] void HostUnwind();
 // While a button is held: delivers messages, takes button state and pointer, and comes back after a short

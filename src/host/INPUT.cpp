@@ -152,6 +152,7 @@ void WaitStep() {
     InputState now;
     for (bool pending = true; pending;) {
         HostWindow().Deliver(PULSE_INTERVAL);
+        HostRaiseKept();
         now = HostWindow().TakeInput();
         QuitFlag = QuitFlag || now.finished;
         if (now.closeRequested && !QuitFlag) {
@@ -196,7 +197,9 @@ bool InputStep() {
         HostUnwind();
     }
     if (Input.keyCode >= MENU_CODE_FIRST && Input.keyCode < MENU_CODE_END) {
+        const std::int32_t command = Input.keyCode - MENU_CODE_FIRST;
         Input.keyCode = 0;
+        MenuPick(command / 256, command % 256);
         return false;
     }
     if ((Input.left || Input.right) && HandlePress(!leftBefore && !rightBefore)) {
@@ -219,16 +222,21 @@ bool InputStep() {
 }
 
 bool CallHandler(std::int32_t handler, std::initializer_list<std::int32_t> arguments) {
+    return AskHandler(handler, arguments) != 0;
+}
+
+std::int32_t AskHandler(std::int32_t handler, std::initializer_list<std::int32_t> arguments) {
     if (handler < 0) {
-        return false;
+        return 0;
     }
     DataCell* mark = StackTop();
     for (const std::int32_t argument : arguments) {
         StackPushInt(argument);
     }
-    const bool result =
+    const bool answered =
         CallFunction(handler, static_cast<std::int32_t>(arguments.size()), mark + 1) == RESULT &&
-        (mark[1].type & TYPE_FLAG) != 0 && mark[1].integer != 0;
+        (mark[1].type & TYPE_FLAG) != 0;
+    const std::int32_t result = answered ? mark[1].integer : 0;
     StackRelease(mark);
     return result;
 }

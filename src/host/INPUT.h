@@ -70,5 +70,7 @@ bool InputStep();
 bool DispatchKey();
 // Calls a handler with Int arguments and drops its result; what it returned as a truth, false for none.
 bool CallHandler(std::int32_t handler, std::initializer_list<std::int32_t> arguments);
+// The same for a handler that answers with an INT or BOOLEAN; 0 for any other.
+std::int32_t AskHandler(std::int32_t handler, std::initializer_list<std::int32_t> arguments);
 
 }  // namespace quelmark

@@ -7,6 +7,7 @@
 #include "MODEL/ATR.h"
 #include "MODEL/OBJ.h"
 #include "MODEL/POLY.h"
+#include "host/BUTTONS.h"
 #include "host/HOST.h"
 #include "host/INPUT.h"
 #include "text/sjis.h"
@@ -168,7 +169,12 @@ void FollowCurrent(std::int32_t current, std::int32_t& seen, std::int32_t& top, 
 }  // namespace
 
 PixelRect ViewsRect() {
-    return {0, 0, std::max(HostWindow().ClientWidth() - ListWidth(), 0), HostWindow().ClientHeight()};
+    return {0, 0, ButtonsRect().left, HostWindow().ClientHeight()};
+}
+
+PixelRect ButtonsRect() {
+    const PixelRect list = ListRect();
+    return {std::max(list.left - ButtonAreaWidth(), 0), 0, list.left, list.bottom};
 }
 
 PixelRect ListRect() {
@@ -316,6 +322,10 @@ bool PanePress(std::int32_t x, std::int32_t y) {
     }
     if (x >= ListRect().left) {
         PressList(y);
+        return true;
+    }
+    if (x >= ButtonsRect().left) {
+        ButtonPanelPress(x, y);
         return true;
     }
     return false;

@@ -32,6 +32,8 @@ inline constexpr std::int32_t STATUS_FIELDS = 8;
 // Where the panes lie in the client area.
 PixelRect ViewsRect();
 PixelRect ListRect();
+// The button panel left of it; empty when it has no width.
+PixelRect ButtonsRect();
 PixelRect StatusRect();
 // The band above the status bar; empty when no message is shown.
 PixelRect MessageRect();

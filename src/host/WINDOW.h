@@ -4,8 +4,11 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
+#include "host/DIALOG.h"
+#include "host/MENUBAR.h"
 #include "view/RASTER.h"
 
 namespace quelmark {
@@ -21,7 +24,7 @@ struct InputState {
     bool finished = false;             // there will be no more input
 };
 
-enum class Pane { List, Status, Message };
+enum class Pane { List, Buttons, Status, Message };
 
 class Window {
   public:
@@ -49,6 +52,15 @@ class Window {
     // One of the 16 palette entries.
     virtual void SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t green, std::uint8_t blue) = 0;
     virtual void SetTitle(std::string_view title) = 0;
+    // The whole menu bar, from the left.
+    virtual void SetMenu(const MenuTree& menus) = 0;
+    // Runs the dialog modally: leaves the answers in its rows, whatever ends it, and gives the result of the
+    // button pressed, 0 when cancelled.
+    virtual std::int32_t RunDialog(Dialog& dialog) = 0;
+    // Runs the file-selection dialog modally: a host path, "" when cancelled.
+    virtual std::string RunFileDialog(const FileDialog& dialog) = 0;
+    // Opens a document (host path) with the system's viewer.
+    virtual void OpenDocument(const std::string& path) = 0;
     virtual void Beep() = 0;
     // The native window's handle, 0 when there is none.
     virtual std::uint64_t Handle() const = 0;

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include "ML/ERROR.h"
 #include "host/HOST.h"
 #include "host/INPUT.h"
 #include "text/cp932.h"
@@ -30,6 +32,48 @@ bool ToNumber(const std::string& word, std::int32_t& number) {
     std::fflush(stdout);
     std::fprintf(stderr, "quelmarkc: input line %d: %s: %s\n", number, why, text.c_str());
     std::_Exit(2);
+}
+
+// A line for a dialog: `answer ROW VALUE`, `button N`, `file PATH`.
+bool IsAnswer(const std::vector<std::string>& words) {
+    std::int32_t number = 0;
+    return (words[0] == "answer" && words.size() >= 2 && ToNumber(words[1], number)) ||
+           (words[0] == "button" && words.size() == 2 && ToNumber(words[1], number)) || words[0] == "file";
+}
+
+// What stands behind the first `skipped` words of a line.
+std::string RestOf(const std::string& text, std::size_t skipped) {
+    constexpr const char* BLANKS = " \t";
+    std::size_t at = text.find_first_not_of(BLANKS);
+    for (std::size_t word = 0; word < skipped && at != std::string::npos; ++word) {
+        at = text.find_first_of(BLANKS, at);
+        // One blank parts the words; further ones before the rest belong to it only behind the last word.
+        at = at == std::string::npos ? at
+             : word + 1 < skipped    ? text.find_first_not_of(BLANKS, at)
+             : at + 1 < text.size()  ? at + 1
+                                     : std::string::npos;
+    }
+    return at == std::string::npos ? "" : text.substr(at);
+}
+
+// The answer as the control of that row would give it.
+void GiveAnswer(DialogRow& row, const std::string& text, std::int32_t number) {
+    switch (row.kind) {
+        case RowKind::Text:
+            row.text = Utf8ToCp932Lossy(text);
+            break;
+        case RowKind::Toggle:
+            row.value = number != 0 ? 1 : 0;
+            break;
+        case RowKind::Selection:
+            row.value = std::clamp(number, 0, std::max(static_cast<std::int32_t>(row.choices.size()) - 1, 0));
+            break;
+        case RowKind::Slider:
+            row.value = std::clamp(number, row.lower, std::max(row.lower, row.upper));
+            break;
+        case RowKind::Message:
+            break;
+    }
 }
 
 }  // namespace
@@ -100,12 +144,78 @@ void ConsoleWindow::Perform(const Line& line) {
         clock_ += static_cast<std::uint32_t>(a);
     } else if (command == "shot" && count >= 2) {
         Shot(line.text.substr(line.text.find("shot") + 5));
-    } else if (command == "menu" || command == "open" || command == "answer" || command == "button" ||
-               command == "file") {
-        std::fprintf(stderr, "quelmarkc: input line %d: not available: %s\n", line.number, line.text.c_str());
+    } else if ((command == "menu" && count == 3) || (command == "open" && count == 2)) {
+        Menu(line);
+    } else if (IsAnswer(line.words)) {
+        answers_.push_back(line);
     } else {
         Refuse(line.number, line.text, "not an event");
     }
+}
+
+void ConsoleWindow::Menu(const Line& line) {
+    std::int32_t position = 0, item = 0;
+    const bool picks = line.words[0] == "menu";
+    if (!ToNumber(line.words[1], position) || (picks && !ToNumber(line.words[2], item)) || position < 0 ||
+        position >= MAX_MENU || item < 0 || item > 255) {
+        Refuse(line.number, line.text, "no such place in the menu bar");
+    }
+    if (picks) {
+        const MenuRecord* menu = MenuAt(position);
+        MenuHighlight =
+            menu != nullptr && item < menu->count ? menu->texts[static_cast<std::size_t>(item)].data() : "";
+        state_.keyCode = MENU_CODE_FIRST + 256 * position + item;
+        return;
+    }
+    for (const MenuEntry& entry : MenuOpened(position)) {
+        OutputLog(entry.text + "\t" + std::to_string(entry.flags) + "\n");
+    }
+}
+
+void ConsoleWindow::CollectAnswers() {
+    while (!lines_.empty() && IsAnswer(lines_.front().words)) {
+        answers_.push_back(std::move(lines_.front()));
+        lines_.pop_front();
+    }
+}
+
+std::int32_t ConsoleWindow::RunDialog(Dialog& dialog) {
+    CollectAnswers();
+    while (!answers_.empty() && answers_.front().words[0] != "file") {
+        const Line line = std::move(answers_.front());
+        answers_.pop_front();
+        std::int32_t number = 0;
+        ToNumber(line.words[1], number);
+        if (line.words[0] == "button") {
+            return number;
+        }
+        const auto row = std::ranges::find(dialog.rows, number, &DialogRow::row);
+        if (row == dialog.rows.end() || row->kind == RowKind::Message) {
+            Refuse(line.number, line.text, "the dialog has no such row");
+        }
+        std::int32_t value = 0;
+        const std::string text = RestOf(line.text, 2);
+        if (!ToNumber(line.words.size() > 2 ? line.words[2] : "", value) && row->kind != RowKind::Text) {
+            Refuse(line.number, line.text, "the row takes a number");
+        }
+        GiveAnswer(*row, text, value);
+    }
+    return 0;
+}
+
+std::string ConsoleWindow::RunFileDialog(const FileDialog&) {
+    CollectAnswers();
+    if (answers_.empty() || answers_.front().words[0] != "file") {
+        return "";
+    }
+    const std::string path = RestOf(answers_.front().text, 1);
+    answers_.pop_front();
+    if (path.empty()) {
+        return "";
+    }
+    // A chosen file is always told by its whole path.
+    const auto chosen = HostPath(Utf8ToCp932Lossy(path));
+    return std::filesystem::absolute(chosen.value_or(path)).lexically_normal().string();
 }
 
 void ConsoleWindow::Key(const Line& line) {

@@ -26,6 +26,10 @@ class ConsoleWindow final : public Window {
     void InvalidateFrame(const PixelRect&) override {}
     void SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t green, std::uint8_t blue) override;
     void SetTitle(std::string_view) override {}
+    void SetMenu(const MenuTree&) override {}
+    std::int32_t RunDialog(Dialog& dialog) override;
+    std::string RunFileDialog(const FileDialog& dialog) override;
+    void OpenDocument(const std::string&) override {}
     void Beep() override {}
     std::uint64_t Handle() const override { return 0; }
 
@@ -40,9 +44,13 @@ class ConsoleWindow final : public Window {
     void Perform(const Line& line);
     void Key(const Line& line);
     void Mouse(const Line& line);
+    void Menu(const Line& line);
+    // Moves the answers that follow now to those already read.
+    void CollectAnswers();
     void Shot(const std::string& path) const;
 
     std::deque<Line> lines_;
+    std::deque<Line> answers_;  // answer, button and file lines that no dialog has taken yet
     InputState state_;
     std::uint32_t clock_ = 0;
     std::int32_t width_ = 1024, height_ = 768;

@@ -1,19 +1,23 @@
 #include "host/qt/QTWINDOW.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QElapsedTimer>
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QInputMethodEvent>
 #include <QPainter>
 #include <QTimer>
+#include <QUrl>
 #include <algorithm>
 #include <cstring>
 
+#include "host/BUTTONS.h"
 #include "host/HOST.h"
 #include "host/PANES.h"
 #include "host/qt/KEYTABLE.h"
-#include "text/cp932.h"
+#include "host/qt/QTDIALOG.h"
+#include "host/qt/QTTEXT.h"
 #include "view/VIEW.h"
 
 namespace quelmark {
@@ -40,11 +44,6 @@ QFont JapaneseFont() {
     return font;
 }
 
-QString ToText(std::string_view cp932) {
-    const std::string utf8 = Cp932ToUtf8(cp932);
-    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
-
 QRect ToRect(const PixelRect& rect) {
     return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
 }
@@ -56,7 +55,9 @@ QElapsedTimer& Clock() {
 
 }  // namespace
 
-QtWindow::QtWindow() {
+QtWindow::QtWindow(QtFrame& frame) : QWidget(&frame), frame_(frame) {
+    frame.picked = [this](std::int32_t code) { keys_.push_back({code, state_.shift}); };
+    frame.closeWanted = [this] { state_.closeRequested = true; };
     Clock().start();
     setFont(JapaneseFont());
     const QFontMetrics metrics(font());
@@ -64,11 +65,13 @@ QtWindow::QtWindow() {
     lineHeight_ = std::max(metrics.height(), 1);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
+    setFocus();
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
     setMinimumSize(1, 1);
-    resize(1024, 768);
-    setWindowTitle(QStringLiteral("Quelmark"));
+    frame.setWindowTitle(QStringLiteral("Quelmark"));
+    frame.setCentralWidget(this);
+    frame.resize(1024, 768);
 }
 
 // ---- messages and input ----
@@ -199,13 +202,7 @@ void QtWindow::wheelEvent(QWheelEvent* event) {
 }
 
 void QtWindow::focusOutEvent(QFocusEvent*) {
-    state_.shift = 0;
-    state_.left = state_.right = false;
-}
-
-void QtWindow::closeEvent(QCloseEvent* event) {
-    state_.closeRequested = true;
-    event->ignore();  // the host closes the program
+    LetGo();
 }
 
 void QtWindow::resizeEvent(QResizeEvent*) {
@@ -222,9 +219,10 @@ QColor QtWindow::Entry(std::uint8_t index) const {
 }
 
 void QtWindow::Invalidate(Pane pane) {
-    const PixelRect rect = pane == Pane::List     ? ListRect()
-                           : pane == Pane::Status ? StatusRect()
-                                                  : MessageRect();
+    const PixelRect rect = pane == Pane::List      ? ListRect()
+                           : pane == Pane::Buttons ? ButtonsRect()
+                           : pane == Pane::Status  ? StatusRect()
+                                                   : MessageRect();
     update(ToRect(rect));
 }
 
@@ -261,7 +259,26 @@ void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t gre
 }
 
 void QtWindow::SetTitle(std::string_view title) {
-    setWindowTitle(ToText(title));
+    frame_.setWindowTitle(ToText(title));
+}
+
+void QtWindow::LetGo() {
+    state_.shift = 0;
+    state_.left = state_.right = false;
+}
+
+std::int32_t QtWindow::RunDialog(Dialog& dialog) {
+    LetGo();
+    return QtRunDialog(this, dialog);
+}
+
+std::string QtWindow::RunFileDialog(const FileDialog& dialog) {
+    LetGo();
+    return QtRunFileDialog(this, dialog);
+}
+
+void QtWindow::OpenDocument(const std::string& path) {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(path)));
 }
 
 void QtWindow::Beep() {
@@ -300,6 +317,7 @@ void QtWindow::paintEvent(QPaintEvent* event) {
         painter.drawImage(shown.topLeft(), picture_, shown);
     }
     PaintList(painter);
+    PaintButtons(painter);
     PaintStatus(painter);
     PaintMessage(painter);
 }
@@ -319,6 +337,40 @@ void QtWindow::PaintList(QPainter& painter) {
         }
         painter.setPen(Entry(row.heading ? PANE_HIGHLIGHT : PANE_TEXT));
         painter.drawText(left, top + ascent, ToText(row.text).trimmed());
+    }
+    painter.setClipping(false);
+}
+
+void QtWindow::PaintButtons(QPainter& painter) {
+    const QRect panel = ToRect(ButtonsRect());
+    if (panel.isEmpty()) {
+        return;
+    }
+    painter.setClipRect(panel);
+    painter.fillRect(panel, Entry(PANE_HIGHLIGHT));
+    for (const ButtonFace& face : ButtonFaces()) {
+        const QRect place = ToRect(face.rect);
+        const QColor light = Entry(face.pressed ? FRAME_COLOUR : PANE_TEXT);
+        const QColor shadow = Entry(face.pressed ? PANE_TEXT : FRAME_COLOUR);
+        painter.setPen(light);
+        painter.drawLine(place.topLeft(), place.topRight());
+        painter.drawLine(place.topLeft(), place.bottomLeft());
+        painter.setPen(shadow);
+        painter.drawLine(place.bottomLeft(), place.bottomRight());
+        painter.drawLine(place.topRight(), place.bottomRight());
+        const int shift = face.pressed ? 1 : 0;
+        painter.setPen(face.enabled ? QColor(Qt::black) : Entry(FRAME_COLOUR));
+        if (!face.picture) {
+            painter.drawText(place.translated(shift, shift), Qt::AlignCenter, ToText(face.label));
+            continue;
+        }
+        for (int y = 0; y < 16; ++y) {
+            for (int x = 0; x < 16; ++x) {
+                if ((face.rows[static_cast<std::size_t>(y)] >> (15 - x) & 1) != 0) {
+                    painter.drawPoint(place.left() + 2 + shift + x, place.top() + 2 + shift + y);
+                }
+            }
+        }
     }
     painter.setClipping(false);
 }

@@ -10,6 +10,7 @@
 #include <deque>
 
 #include "host/WINDOW.h"
+#include "host/qt/QTFRAME.h"
 
 namespace quelmark {
 
@@ -17,7 +18,7 @@ class QtWindow final : public QWidget, public Window {
     Q_OBJECT
 
   public:
-    QtWindow();
+    explicit QtWindow(QtFrame& frame);
 
     void Deliver(std::int32_t milliseconds) override;
     InputState TakeInput() override;
@@ -31,6 +32,10 @@ class QtWindow final : public QWidget, public Window {
     void InvalidateFrame(const PixelRect& rect) override;
     void SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t green, std::uint8_t blue) override;
     void SetTitle(std::string_view title) override;
+    void SetMenu(const MenuTree& menus) override { frame_.ShowMenus(menus); }
+    std::int32_t RunDialog(Dialog& dialog) override;
+    std::string RunFileDialog(const FileDialog& dialog) override;
+    void OpenDocument(const std::string& path) override;
     void Beep() override;
     std::uint64_t Handle() const override { return static_cast<std::uint64_t>(winId()); }
 
@@ -49,7 +54,6 @@ class QtWindow final : public QWidget, public Window {
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
 
   private:
     void TakeMouse(const QMouseEvent& event);
@@ -58,6 +62,7 @@ class QtWindow final : public QWidget, public Window {
     void PutKey(std::int32_t code);
     void ExpandFrame(const QRect& area);
     void PaintList(QPainter& painter);
+    void PaintButtons(QPainter& painter);
     void PaintStatus(QPainter& painter);
     void PaintMessage(QPainter& painter);
     QColor Entry(std::uint8_t index) const;
@@ -72,6 +77,10 @@ class QtWindow final : public QWidget, public Window {
         bool left, right;
         std::int32_t shift;
     };
+    // A dialog takes the keyboard and the mouse away: what was held is let go.
+    void LetGo();
+
+    QtFrame& frame_;
     InputState state_;
     std::deque<PendingButtons> buttons_;
     std::deque<PendingKey> keys_;

@@ -30,9 +30,12 @@ int main(int argc, char** argv) {
     int libraryArguments = 1;
     QApplication application(libraryArguments, argv);
     std::setlocale(LC_NUMERIC, "C");  // the library has set the user's: numbers keep their decimal point
-    quelmark::QtWindow window;
-    window.show();
+    quelmark::QtFrame frame;
+    quelmark::QtWindow window(frame);
+    frame.show();
     window.StartHost();
-    return quelmark::HostMain(window, QCoreApplication::applicationFilePath().toStdString(), arguments,
-                              quelmark::ModelLibrariesRegister);
+    const int status = quelmark::HostMain(window, QCoreApplication::applicationFilePath().toStdString(),
+                                          arguments, quelmark::ModelLibrariesRegister);
+    frame.takeCentralWidget();  // it is not the frame's to delete
+    return status;
 }

@@ -1,0 +1,8 @@
+// Script functions of the button panel.
+#pragma once
+
+namespace quelmark {
+
+void ButtonLibraryRegister();
+
+}  // namespace quelmark

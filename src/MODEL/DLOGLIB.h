@@ -1,0 +1,8 @@
+// Script functions of dialogs.
+#pragma once
+
+namespace quelmark {
+
+void DialogLibraryRegister();
+
+}  // namespace quelmark

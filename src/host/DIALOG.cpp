@@ -1,0 +1,139 @@
+#include "host/DIALOG.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "ML/ERROR.h"
+#include "host/HOST.h"
+#include "host/TEXTCUT.h"
+#include "text/path.h"
+#include "text/sjis.h"
+
+namespace quelmark {
+namespace {
+
+std::optional<Dialog> underConstruction;
+std::array<DialogAnswerSlot, DIALOG_ROWS> answers;
+
+AnswerKind AnswerKindOf(RowKind kind) {
+    switch (kind) {
+        case RowKind::Text:
+            return AnswerKind::Text;
+        case RowKind::Toggle:
+            return AnswerKind::Toggle;
+        case RowKind::Selection:
+            return AnswerKind::Selection;
+        case RowKind::Slider:
+            return AnswerKind::Slider;
+        case RowKind::Message:
+            break;
+    }
+    return AnswerKind::None;
+}
+
+void KeepAnswer(const DialogRow& row) {
+    answers[static_cast<std::size_t>(row.row)] = {
+        AnswerKindOf(row.kind), std::string(CutText(row.text, DIALOG_TEXT_BYTES)), row.value};
+}
+
+std::int32_t Columns(std::string_view text) {
+    return static_cast<std::int32_t>(text.size());
+}
+
+}  // namespace
+
+std::vector<FileFilter> FileFilters(std::span<const std::string> texts) {
+    constexpr std::size_t ENDING = 7;  // "(*.xxx)"
+    constexpr std::size_t SHORTEST = 8;
+    std::vector<FileFilter> filters;
+    for (const std::string& text : texts) {
+        if (text.size() < SHORTEST) {
+            continue;
+        }
+        const std::string ending = text.substr(text.size() - ENDING);
+        if (ending.starts_with("(*.") && ending.ends_with(')')) {
+            filters.push_back({text, ending.substr(1, ENDING - 2)});
+        }
+    }
+    return filters;
+}
+
+DialogLayout LayOutDialog(const Dialog& dialog, std::int32_t cw, std::int32_t lh) {
+    DialogLayout layout;
+    layout.width = 20 * cw;
+    layout.height = (lh + 2) * dialog.rowCount + 4 * lh;
+    for (const DialogRow& row : dialog.rows) {
+        layout.rowTop.push_back(lh + (lh + 2) * row.row);
+        if (row.kind == RowKind::Message) {
+            layout.width = std::max(layout.width, Columns(row.label) * cw + 2 * cw + 3 * cw);
+        }
+    }
+    std::int32_t buttons = 0;
+    for (const DialogButton& button : dialog.buttons) {
+        layout.buttonWidth.push_back((Columns(button.label) + 2) * cw);
+        buttons += layout.buttonWidth.back();
+    }
+    layout.width = std::max(layout.width, buttons);
+    return layout;
+}
+
+void DialogOpen(Dialog dialog) {
+    underConstruction = std::move(dialog);
+    answers.fill(DialogAnswerSlot{});
+}
+
+Dialog* DialogUnderConstruction() {
+    return underConstruction ? &*underConstruction : nullptr;
+}
+
+void DialogAddRow(DialogRow row) {
+    if (!underConstruction) {
+        return;
+    }
+    std::erase_if(underConstruction->rows, [&](const DialogRow& old) { return old.row == row.row; });
+    KeepAnswer(row);
+    underConstruction->rows.push_back(std::move(row));
+}
+
+std::int32_t DialogRun() {
+    if (!underConstruction) {
+        return 0;
+    }
+    Dialog dialog = std::move(*underConstruction);
+    underConstruction.reset();
+    const std::int32_t result = HostWindow().RunDialog(dialog);
+    for (const DialogRow& row : dialog.rows) {
+        KeepAnswer(row);
+    }
+    HostWindow().Deliver(0);
+    return result;
+}
+
+void DialogReset() {
+    underConstruction.reset();
+    answers.fill(DialogAnswerSlot{});
+}
+
+void DialogDiscard() {
+    underConstruction.reset();
+}
+
+const DialogAnswerSlot& DialogAnswerOf(std::int32_t row) {
+    return answers[static_cast<std::size_t>(row)];
+}
+
+std::string FileDialogRun(const FileDialog& dialog) {
+    const std::string chosen = HostWindow().RunFileDialog(dialog);
+    if (chosen.empty()) {
+        return "";
+    }
+    const auto path = ScriptPath(chosen);
+    if (!path) {
+        Warning("このファイル名はシフトJISで表せないので使えません。"_sjis);
+        return "";
+    }
+    return path->size() <= FILE_DIALOG_BYTES ? *path : "";
+}
+
+}  // namespace quelmark

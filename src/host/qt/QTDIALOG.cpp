@@ -1,0 +1,163 @@
+#include "host/qt/QTDIALOG.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QFileDialog>
+#include <QFontMetrics>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSlider>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+#include "host/qt/QTTEXT.h"
+#include "text/path.h"
+
+namespace quelmark {
+namespace {
+
+using TakeAnswer = std::function<void()>;
+
+QLabel* AddLabel(QHBoxLayout& line, const std::string& text) {
+    auto* label = new QLabel(ToText(text));
+    line.addWidget(label);
+    return label;
+}
+
+void AddBrowseButton(QHBoxLayout& line, QLineEdit* field, const DialogRow& row) {
+    auto* button = new QPushButton(QStringLiteral("…"));
+    line.addWidget(button);
+    QObject::connect(button, &QPushButton::clicked, field, [field, &row] {
+        FileDialog dialog;
+        dialog.title = row.label;
+        dialog.initialName = Utf8ToCp932Lossy(field->text().toStdString());
+        dialog.filters = row.filters;
+        dialog.defaultExtension = row.defaultExtension;
+        const auto path = ScriptPath(QtRunFileDialog(field, dialog));
+        if (path && !path->empty()) {
+            field->setText(ToText(*path));
+        }
+    });
+}
+
+TakeAnswer AddField(QHBoxLayout& line, DialogRow& row) {
+    AddLabel(line, row.label);
+    auto* field = new QLineEdit(ToText(row.text));
+    const int width = std::clamp(row.width, 1, 80);
+    field->setMinimumWidth(QFontMetrics(field->font()).horizontalAdvance(QLatin1Char('0')) * width);
+    line.addWidget(field);
+    if (!row.filters.empty()) {
+        AddBrowseButton(line, field, row);
+    }
+    return [field, &row] { row.text = Utf8ToCp932Lossy(field->text().toStdString()); };
+}
+
+TakeAnswer AddToggle(QHBoxLayout& line, DialogRow& row) {
+    AddLabel(line, row.label);
+    auto* box = new QCheckBox(ToText(row.caption));
+    box->setChecked(row.value != 0);
+    line.addWidget(box);
+    return [box, &row] { row.value = box->isChecked() ? 1 : 0; };
+}
+
+TakeAnswer AddSelection(QHBoxLayout& line, DialogRow& row) {
+    AddLabel(line, row.label);
+    auto* list = new QComboBox;
+    for (const std::string& choice : row.choices) {
+        list->addItem(ToText(choice));
+    }
+    list->setCurrentIndex(row.value);
+    line.addWidget(list);
+    return [list, &row] { row.value = std::max(list->currentIndex(), 0); };
+}
+
+TakeAnswer AddSlider(QHBoxLayout& line, DialogRow& row) {
+    AddLabel(line, row.label);
+    auto* slider = new QSlider(Qt::Horizontal);
+    slider->setRange(row.lower, std::max(row.lower, row.upper));
+    slider->setSingleStep(std::max(row.step, 1));
+    slider->setPageStep(std::max(row.step, 1));
+    slider->setValue(row.value);
+    line.addWidget(slider);
+    auto* number = new QLabel;
+    const auto show = [number](int value) { number->setText(QString::asprintf("%6d", value)); };
+    show(slider->value());
+    line.addWidget(number);
+    QObject::connect(slider, &QSlider::valueChanged, number, show);
+    return [slider, &row] { row.value = slider->value(); };
+}
+
+TakeAnswer AddRow(QHBoxLayout& line, DialogRow& row) {
+    switch (row.kind) {
+        case RowKind::Text:
+            return AddField(line, row);
+        case RowKind::Toggle:
+            return AddToggle(line, row);
+        case RowKind::Selection:
+            return AddSelection(line, row);
+        case RowKind::Slider:
+            return AddSlider(line, row);
+        case RowKind::Message:
+            AddLabel(line, row.label);
+            break;
+    }
+    return [] {};
+}
+
+}  // namespace
+
+std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog) {
+    constexpr int RESULT_BASE = 1000;  // apart from the library's own results
+    QDialog shown(parent);
+    shown.setWindowTitle(ToText(dialog.title));
+    auto* lines = new QVBoxLayout(&shown);
+    std::ranges::stable_sort(dialog.rows, {}, &DialogRow::row);
+    std::vector<TakeAnswer> answers;
+    for (DialogRow& row : dialog.rows) {
+        auto* line = new QHBoxLayout;
+        lines->addLayout(line);
+        answers.push_back(AddRow(*line, row));
+        line->addStretch();
+    }
+    auto* buttons = new QHBoxLayout;
+    lines->addLayout(buttons);
+    for (std::size_t i = 0; i < dialog.buttons.size(); ++i) {
+        auto* button = new QPushButton(ToText(dialog.buttons[i].label));
+        button->setAutoDefault(false);
+        button->setDefault(i == dialog.acceptButton);
+        buttons->addWidget(button);
+        const int result = RESULT_BASE + dialog.buttons[i].result;
+        QObject::connect(button, &QPushButton::clicked, &shown, [&shown, result] { shown.done(result); });
+    }
+    const int result = shown.exec();
+    for (const TakeAnswer& take : answers) {
+        take();
+    }
+    return result >= RESULT_BASE ? result - RESULT_BASE : 0;
+}
+
+std::string QtRunFileDialog(QWidget* parent, const FileDialog& dialog) {
+    QFileDialog shown(parent, ToText(dialog.title));
+    shown.setFileMode(QFileDialog::AnyFile);
+    QStringList filters;
+    for (const FileFilter& filter : dialog.filters) {
+        filters.push_back(ToText(filter.text));
+    }
+    shown.setNameFilters(filters);
+    shown.setDefaultSuffix(ToText(dialog.defaultExtension));
+    shown.setLabelText(QFileDialog::Accept, QStringLiteral("決定"));
+    if (const auto initial = HostPath(dialog.initialName); initial && !initial->empty()) {
+        shown.selectFile(QString::fromStdString(*initial));
+    }
+    if (shown.exec() != QDialog::Accepted || shown.selectedFiles().isEmpty()) {
+        return "";
+    }
+    return shown.selectedFiles().first().toStdString();
+}
+
+}  // namespace quelmark

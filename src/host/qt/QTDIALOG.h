@@ -1,0 +1,16 @@
+// Shows a dialog's rows with the window library's controls, and the file-selection dialog.
+#pragma once
+
+#include <QWidget>
+#include <string>
+
+#include "host/DIALOG.h"
+
+namespace quelmark {
+
+// Fills in the rows' answers; the result of the button pressed, 0 when cancelled.
+std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog);
+// A host path (UTF-8), "" when cancelled.
+std::string QtRunFileDialog(QWidget* parent, const FileDialog& dialog);
+
+}  // namespace quelmark

@@ -1,0 +1,49 @@
+#include "host/qt/QTFRAME.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QMenu>
+#include <QMenuBar>
+
+#include "host/qt/QTTEXT.h"
+
+namespace quelmark {
+
+void QtFrame::ShowMenus(const MenuTree& menus) {
+    menuBar()->clear();
+    for (std::size_t position = 0; position < menus.size(); ++position) {
+        const MenuColumn& column = menus[position];
+        auto* menu = new QMenu(ToText(column.title), menuBar());
+        menu->setEnabled(!column.greyed);
+        menuBar()->addMenu(menu);
+        Fill(*menu, column.entries);
+        // Query functions decide about an item when its menu opens.
+        QObject::connect(menu, &QMenu::aboutToShow, this, [this, menu, position] {
+            Fill(*menu, MenuOpened(static_cast<std::int32_t>(position)));
+        });
+    }
+    menuBar()->setVisible(!menus.empty());
+}
+
+void QtFrame::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
+    menu.clear();
+    for (const MenuEntry& entry : entries) {
+        if (entry.separator) {
+            menu.addSeparator();
+            continue;
+        }
+        QAction* action = menu.addAction(ToText(entry.text));
+        action->setEnabled(!entry.greyed);
+        action->setCheckable(entry.checked);
+        action->setChecked(entry.checked);
+        QObject::connect(action, &QAction::hovered, this, [entry] { MenuHighlight = entry.text; });
+        QObject::connect(action, &QAction::triggered, this, [this, entry] { picked(entry.command); });
+    }
+}
+
+void QtFrame::closeEvent(QCloseEvent* event) {
+    event->ignore();  // the host closes the program
+    closeWanted();
+}
+
+}  // namespace quelmark

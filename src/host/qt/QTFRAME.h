@@ -1,0 +1,30 @@
+// The top-level window around the client area: title, menu bar, and the request to close.
+#pragma once
+
+#include <QMainWindow>
+#include <functional>
+#include <string_view>
+
+#include "host/MENUBAR.h"
+
+namespace quelmark {
+
+class QtFrame final : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    // Told of a pick, by its key code, and of the window system's wish to close.
+    std::function<void(std::int32_t code)> picked;
+    std::function<void()> closeWanted;
+
+    void ShowMenus(const MenuTree& menus);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    // Fills a menu's list with what its items are at this moment.
+    void Fill(QMenu& menu, const std::vector<MenuEntry>& entries);
+};
+
+}  // namespace quelmark

@@ -1,0 +1,16 @@
+// cp932 text and the window library's text.
+#pragma once
+
+#include <QString>
+#include <string_view>
+
+#include "text/cp932.h"
+
+namespace quelmark {
+
+inline QString ToText(std::string_view cp932) {
+    const std::string utf8 = Cp932ToUtf8(cp932);
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+}  // namespace quelmark
