@@ -182,11 +182,16 @@ void QtWindow::TakeMouse(const QMouseEvent& event) {
     TakeShift(event.modifiers());
 }
 
+void QtWindow::TakeButtons(const QMouseEvent& event) {
+    TakeMouse(event);
+    buttons_.push_back({state_.x, state_.y, state_.left, state_.right, state_.shift});
+}
+
 void QtWindow::mousePressEvent(QMouseEvent* event) {
-    TakeMouse(*event);
+    TakeButtons(*event);
 }
 void QtWindow::mouseReleaseEvent(QMouseEvent* event) {
-    TakeMouse(*event);
+    TakeButtons(*event);
 }
 void QtWindow::mouseMoveEvent(QMouseEvent* event) {
     TakeMouse(*event);
@@ -265,6 +270,7 @@ void QtWindow::SetTitle(std::string_view title) {
 void QtWindow::LetGo() {
     state_.shift = 0;
     state_.left = state_.right = false;
+    buttons_.clear();
 }
 
 std::int32_t QtWindow::RunDialog(Dialog& dialog) {
