@@ -304,50 +304,52 @@ std::int32_t Execute() {
         SAVE;                                                  \
         JUMP(TruthOfImmediate(CODE, *i, *frame, TYPE_REAL));   \
     }
-#define COMPARE(NAME, CODE, OP)                                                           \
-    CASE(NAME##_SS) {                                                                     \
-        DataCell& d = base[i->a];                                                         \
-        const DataCell& left = base[i->b];                                                \
-        const DataCell& right = base[i->c];                                               \
-        const std::uint32_t tag = TagOf(left);                                            \
-        if (tag == TagOf(right) && !HoldsObject(d)) [[likely]] {                          \
-            if (tag == TYPE_INT) [[likely]] {                                             \
-                PutBool(d, left.integer OP right.integer);                                \
-                NEXT;                                                                     \
-            }                                                                             \
-            if (tag == TYPE_REAL) [[likely]] {                                            \
-                PutBool(d, left.real OP right.real);                                      \
-                NEXT;                                                                     \
-            }                                                                             \
-        }                                                                                 \
-        SLOW(OperateSlots(CODE, *i, *frame));                                             \
-    }                                                                                     \
-    CASE(NAME##_SI) {                                                                     \
-        DataCell& d = base[i->a];                                                         \
-        const DataCell& left = base[i->b];                                                \
-        if (TagOf(left) == TYPE_INT && !HoldsObject(d)) [[likely]] {                      \
-            PutBool(d, left.integer OP i->value);                                         \
-            NEXT;                                                                         \
-        }                                                                                 \
-        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_INT));                               \
-    }                                                                                     \
-    CASE(NAME##_SR) {                                                                     \
-        DataCell& d = base[i->a];                                                         \
-        const DataCell& left = base[i->b];                                                \
-        if (TagOf(left) == TYPE_REAL && !HoldsObject(d)) [[likely]] {                     \
-            PutBool(d, left.real OP std::bit_cast<float>(i->value));                      \
-            NEXT;                                                                         \
-        }                                                                                 \
-        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_REAL));                              \
-    }                                                                                     \
-    CASE(JF_##NAME##_SS)                                                                  \
-    TRUTH_SS(CODE, OP, JUMP_UNLESS)                                                       \
-    CASE(JF_##NAME##_SI)                                                                  \
-    TRUTH_SI(CODE, OP, JUMP_UNLESS)                                                       \
-    CASE(JF_##NAME##_SR)                                                                  \
-    TRUTH_SR(CODE, OP, JUMP_UNLESS) CASE(JT_##NAME##_SS) TRUTH_SS(CODE, OP, JUMP_BACK_IF) \
-        CASE(JT_##NAME##_SI) TRUTH_SI(CODE, OP, JUMP_BACK_IF) CASE(JT_##NAME##_SR)        \
-            TRUTH_SR(CODE, OP, JUMP_BACK_IF)
+#define COMPARE(NAME, CODE, OP)                                       \
+    CASE(NAME##_SS) {                                                 \
+        DataCell& d = base[i->a];                                     \
+        const DataCell& left = base[i->b];                            \
+        const DataCell& right = base[i->c];                           \
+        const std::uint32_t tag = TagOf(left);                        \
+        if (tag == TagOf(right) && !HoldsObject(d)) [[likely]] {      \
+            if (tag == TYPE_INT) [[likely]] {                         \
+                PutBool(d, left.integer OP right.integer);            \
+                NEXT;                                                 \
+            }                                                         \
+            if (tag == TYPE_REAL) [[likely]] {                        \
+                PutBool(d, left.real OP right.real);                  \
+                NEXT;                                                 \
+            }                                                         \
+        }                                                             \
+        SLOW(OperateSlots(CODE, *i, *frame));                         \
+    }                                                                 \
+    CASE(NAME##_SI) {                                                 \
+        DataCell& d = base[i->a];                                     \
+        const DataCell& left = base[i->b];                            \
+        if (TagOf(left) == TYPE_INT && !HoldsObject(d)) [[likely]] {  \
+            PutBool(d, left.integer OP i->value);                     \
+            NEXT;                                                     \
+        }                                                             \
+        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_INT));           \
+    }                                                                 \
+    CASE(NAME##_SR) {                                                 \
+        DataCell& d = base[i->a];                                     \
+        const DataCell& left = base[i->b];                            \
+        if (TagOf(left) == TYPE_REAL && !HoldsObject(d)) [[likely]] { \
+            PutBool(d, left.real OP std::bit_cast<float>(i->value));  \
+            NEXT;                                                     \
+        }                                                             \
+        SLOW(OperateImmediate(CODE, *i, *frame, TYPE_REAL));          \
+    }                                                                 \
+    CASE(JF_##NAME##_SS)                                              \
+    TRUTH_SS(CODE, OP, JUMP_UNLESS)                                   \
+    CASE(JF_##NAME##_SI)                                              \
+    TRUTH_SI(CODE, OP, JUMP_UNLESS)                                   \
+    CASE(JF_##NAME##_SR)                                              \
+    TRUTH_SR(CODE, OP, JUMP_UNLESS)                                   \
+    CASE(JT_##NAME##_SS)                                              \
+    TRUTH_SS(CODE, OP, JUMP_BACK_IF)                                  \
+    CASE(JT_##NAME##_SI)                                              \
+    TRUTH_SI(CODE, OP, JUMP_BACK_IF) CASE(JT_##NAME##_SR) TRUTH_SR(CODE, OP, JUMP_BACK_IF)
 
 // One turn of a counted loop: everything is INT, or the slow path takes the step and the test.
 #define TURN(TEST, STEP, LIMIT, CODE, OP, STEP_IN_SLOT, LIMIT_IN_SLOT)            \
