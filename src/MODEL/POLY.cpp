@@ -78,12 +78,13 @@ void VerifyLoaded() {
 
 void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t attributeCount,
                std::int32_t maxVertex) {
+    ModelExit();
     BufferInit(static_cast<std::size_t>(std::max(bufferBytes, 0)));
     AttrInit(std::clamp(attributeCount, 0, INDEX_LIMIT));
     ObjInit(std::clamp(objectCount, 0, INDEX_LIMIT));
     MaxVertex = std::clamp(maxVertex, 0, INDEX_LIMIT);
-    CurrentPolygon = static_cast<PolygonRecord*>(
-        MemoryAlloc(static_cast<std::uint32_t>(sizeof(PolygonRecord) + 16 * MaxVertex)));
+    const auto vertices = static_cast<std::uint32_t>(MaxVertex);
+    CurrentPolygon = static_cast<PolygonRecord*>(MemoryAlloc(sizeof(PolygonRecord) + 16 * vertices));
     LoadedPolygon = nullptr;
     SelectCount = 0;
 }

@@ -24,8 +24,7 @@ struct VertexEntry {
 
 void VertexSort(std::vector<VertexRecord>& elements) {
     std::ranges::sort(elements, VertexLess);
-    const auto rest = std::ranges::unique(elements, VertexSame);
-    elements.erase(rest.begin(), rest.end());
+    elements.erase(std::unique(elements.begin(), elements.end(), VertexSame), elements.end());
 }
 
 std::vector<VertexRecord> VerticesOfSelected() {

@@ -126,7 +126,7 @@ TEST_F(Buffer, CompactionKeepsTheOrderOfLiveBlocks) {
         blocks.push_back(BufferAppend(size));
         std::memset(blocks.back() + 1, size, static_cast<std::size_t>(size) - 4);
     }
-    for (const std::size_t i : {0, 3, 6}) {
+    for (const std::size_t i : {0U, 3U, 6U}) {
         BufferDelete(blocks[i]);
     }
     char* before = BufNext;
