@@ -19,6 +19,7 @@ IdentTablePtr FunctionNames;
 namespace {
 
 constexpr std::int32_t BUILT_IN_ROOM = 1024;  // names that the program itself registers
+constexpr std::int32_t SCRIPT_FUNCTIONS_MOST = 65536;
 constexpr std::size_t CONSTANTS_MOST = 256;
 
 struct Constant {
@@ -71,7 +72,7 @@ std::int32_t RowClass(const char* className) {
 
 void FunctionTablesInit(std::int32_t scriptFunctions) {
     FunctionTablesExit();
-    scriptRoom = std::max(scriptFunctions, 0);
+    scriptRoom = std::clamp(scriptFunctions, 0, SCRIPT_FUNCTIONS_MOST);
     memberRoom = OPERATOR_SLOTS + BUILT_IN_ROOM + scriptRoom;
     nameLimit = memberRoom;
     isSealed = false;

@@ -21,6 +21,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds POLL_INTERVAL{4};
 constexpr std::chrono::milliseconds LOOK_INTERVAL{1};
 constexpr std::int32_t TICKS_MOST = 4096;
+constexpr std::int32_t STACK_CELLS_MOST = 1 << 28;  // so that no sum of positions leaves 32 bits
 
 BreakCheck breakCheck = nullptr;
 bool traceOn = false;
@@ -141,7 +142,7 @@ std::int32_t ExecCall(const ScriptFunction& function, std::int32_t argc, DataCel
 
 void ExecInit(std::int32_t stackCells) {
     ExecExit();
-    StackInit(stackCells);
+    StackInit(std::min(stackCells, STACK_CELLS_MOST));
     WidenTopLevel(GlobalsUsed());
 }
 

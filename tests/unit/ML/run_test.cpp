@@ -1,5 +1,6 @@
 // Entering and leaving scripts: handlers called by the host, the break check, recovery, trace.
 #include <chrono>
+#include <limits>
 #include <string>
 
 #include "ML/FUNC.h"
@@ -176,6 +177,17 @@ TEST_F(Host, AStackTooSmallForTheGlobalsIsReported) {
     sizes.stackCells = 3;
     Start();
     EXPECT_EQ(RunMore("var a, b, c, d;"), "! Error スタックオーバーフロー！！");
+}
+
+TEST_F(Host, SizesBeyondReasonAreCutOrRefused) {
+    constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
+    sizes = {.codeBytes = 1 << 20, .globals = most, .functions = most, .stackCells = 1 << 20};
+    EXPECT_EQ(Run("var a = 1; function f() { return a; } print(f());"), "1");
+    InterpreterExit();
+    sizes = {.codeBytes = -5, .globals = -5, .functions = -5, .stackCells = -5};
+    EXPECT_EQ(Run("var a;"), "! test.qms:1:  Fatal 識別子管理バッファがオーバーフローしました");
+    EXPECT_THROW(ExecInit(), ScriptAbort);
+    EXPECT_EQ(message, "Error スタック用バッファが確保できません。！！");
 }
 
 TEST_F(Host, TheInterpreterCanBeStartedAgain) {
