@@ -7,7 +7,6 @@
 #include "host/INPUT.h"
 #include "host/PANES.h"
 #include "host/TEXTCUT.h"
-#include "view/VIEW.h"
 
 namespace quelmark {
 namespace {
@@ -131,7 +130,6 @@ void ButtonAreaSet(std::int32_t width) {
         areaWidth = width;
     }
     HostResized();
-    ViewRedraw(WHOLE_AREA, true);
 }
 
 void ButtonsInvalidate() {

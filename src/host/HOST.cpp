@@ -437,6 +437,9 @@ void HostDeliverHeld() {
     window->Deliver(HELD_INTERVAL);
     const InputState now = window->TakeInput();
     QuitFlag = QuitFlag || now.finished;
+    if (now.closeRequested && !QuitFlag) {
+        QuitFlag = HostMayClose();
+    }
     Input.left = now.left;
     Input.right = now.right;
     Input.x = now.x;
