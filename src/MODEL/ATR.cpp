@@ -2,6 +2,7 @@
 
 #include "ML/ERROR.h"
 #include "MODEL/BUFFER.h"
+#include "MODEL/SUFTEXT.h"
 #include "MODEL/TABLE.h"
 #include "text/sjis.h"
 
@@ -77,6 +78,14 @@ bool AttrDelete(std::int32_t attribute) {
     }
     ++AttrRevision;
     return true;
+}
+
+bool AttrWrite(std::string_view fileName, std::int32_t atrno, std::int32_t mode) {
+    Check(0 <= atrno && atrno <= AttrLast, "0 <= atrno && atrno <= AttrLast");
+    if (atrno >= AttributeCount || AttrTable[atrno].used == 0) {
+        return false;
+    }
+    return SaveBlock(fileName, AttributeText(AttrTable[atrno]), mode);
 }
 
 std::uint16_t AttrCodeOfColour(const ColourTriple& colour) {

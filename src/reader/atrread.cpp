@@ -8,7 +8,9 @@
 #include "MODEL/ATR.h"
 #include "MODEL/POLY.h"
 #include "MODEL/TABLE.h"
+#include "reader/blocks.h"
 #include "reader/objread.h"
+#include "reader/report.h"
 #include "reader/scanner.h"
 #include "text/path.h"
 #include "text/sjis.h"
@@ -18,31 +20,6 @@ namespace {
 
 constexpr double FIXED_12 = 4096;
 constexpr double FIXED_16 = 65536;
-
-enum AttributeFault : std::int32_t {
-    BUMPMAP = 1,
-    MISSING = 11,
-    EXISTS = 12,
-    MAPPING = 13,
-    UNSUPPORTED = 14,
-    END = 21,
-    KIND = 22
-};
-
-constexpr ReaderMessage MESSAGES[] = {
-    {BUMPMAP, "%s 処理はサポートしていません。"_sjis, 1},
-    {MISSING, " %s がありません。"_sjis, 10},
-    {EXISTS, " %s が存在します。"_sjis, 10},
-    {MAPPING, "マッピングデータがおかしい。"_sjis, 10},
-    {UNSUPPORTED, " %s はサポートしていません。"_sjis, 10},
-    {END, "エンドオブファイルになりました"_sjis, 20},
-    {KIND, "アトリビュートファイルではありません。"_sjis, 20},
-    {0, "エラーコードの誤り。( atrread )"_sjis, 20},
-};
-
-void Report(AttributeFault code, std::string_view argument = "") {
-    ReaderReport(MESSAGES, code, argument);
-}
 
 std::int16_t ToFixed12(double value) {
     return static_cast<std::int16_t>(std::clamp(RealToInt(value * FIXED_12), -32768, 32767));
@@ -76,7 +53,9 @@ bool ReadColour(ColourTriple& colour) {
     }
     const bool hsv = Shape.token == WORD_HSV;
     if (!hsv && Shape.token != WORD_RGB) {
-        ScannerReport(FAULT_COLOUR);
+        if (Shape.token != TOKEN_END) {
+            ScannerReport(SCANNER_COLOUR);
+        }
         return false;
     }
     ShapeNext();
@@ -92,10 +71,8 @@ bool ExpectToken(std::int32_t token, std::string_view text) {
     if (ShapeAccept(token)) {
         return true;
     }
-    if (Shape.token == TOKEN_END) {
-        Report(END);
-    } else {
-        Report(MISSING, text);
+    if (Shape.token != TOKEN_END) {
+        AttributeReport(ATTRIBUTE_MISSING, text);
     }
     return false;
 }
@@ -129,7 +106,9 @@ bool ReadSpecular(AttributeRecord& attribute) {
         return false;
     }
     if (Shape.token != TOKEN_NUMBER) {
-        ScannerReport(FAULT_NUMBER);
+        if (Shape.token != TOKEN_END) {
+            ScannerReport(SCANNER_NUMBER);
+        }
         return false;
     }
     const std::int16_t number = ToFixed12(Shape.number);
@@ -154,23 +133,28 @@ bool ReadColourMap(AttributeRecord& attribute) {
     return true;
 }
 
-bool ReadRectangle(std::int32_t (&rectangle)[2][2]) {
-    double numbers[4];
-    ShapeNext();
+// Four numbers in parentheses.
+bool TakeFour(double (&numbers)[4]) {
     if (!ShapeAccept(TOKEN_LEFT_PAREN)) {
-        Report(MAPPING);
         return false;
     }
     for (double& number : numbers) {
         if (Shape.token != TOKEN_NUMBER) {
-            Report(MAPPING);
             return false;
         }
         number = Shape.number;
         ShapeNext();
     }
-    if (!ShapeAccept(TOKEN_RIGHT_PAREN)) {
-        Report(MAPPING);
+    return ShapeAccept(TOKEN_RIGHT_PAREN);
+}
+
+bool ReadRectangle(std::int32_t (&rectangle)[2][2]) {
+    double numbers[4];
+    ShapeNext();
+    if (!TakeFour(numbers)) {
+        if (Shape.token != TOKEN_END) {
+            AttributeReport(ATTRIBUTE_MAPPING);
+        }
         return false;
     }
     for (int i = 0; i < 4; ++i) {
@@ -197,14 +181,14 @@ bool ReadLine(AttributeRecord& attribute) {
         case WORD_MAPWIND:
             return ReadRectangle(attribute.mapwind);
         case WORD_BUMPMAP:
-            Report(BUMPMAP, Shape.text);
+            AttributeReport(ATTRIBUTE_BUMPMAP, Shape.text);
             ShapeNext();
             return false;
         default:
             if (Shape.token < WORD_COUNT) {
-                Report(UNSUPPORTED, Shape.text);
+                AttributeReport(ATTRIBUTE_UNSUPPORTED, Shape.text);
             } else {
-                Report(EXISTS, Shape.text);
+                AttributeReport(ATTRIBUTE_EXISTS, Shape.text);
             }
             ShapeNext();
             return false;
@@ -217,36 +201,50 @@ bool BeginsLine(std::int32_t token) {
            token == WORD_MAPWIND || token == WORD_BUMPMAP;
 }
 
-// To the next line that can be read, the end of the block or of the file.
+// To the next line that can be read, the end of the block or of the file, or the next block.
 void SkipLine() {
     while (Shape.token != TOKEN_END && Shape.token != TOKEN_RIGHT_BRACE && Shape.token != WORD_OBJ &&
-           !BeginsLine(Shape.token)) {
+           Shape.token != WORD_ATR && !BeginsLine(Shape.token)) {
         ShapeNext();
     }
 }
 
-bool ReadBody(AttributeRecord& attribute) {
-    while (Shape.token != TOKEN_RIGHT_BRACE) {
+void ReadBody(AttributeRecord& attribute) {
+    while (!ShapeAccept(TOKEN_RIGHT_BRACE)) {
         if (Shape.token == TOKEN_END) {
-            Report(END);
-            return false;
+            AttributeReport(ATTRIBUTE_END);
+            return;
+        }
+        if (Shape.token == WORD_OBJ || Shape.token == WORD_ATR) {
+            AttributeReport(ATTRIBUTE_MISSING, "}");
+            return;
         }
         if (!ReadLine(attribute)) {
-            if (Shape.token == WORD_OBJ || Shape.token == WORD_ATR) {
-                return false;  // the next block: the closing brace is missing
-            }
             SkipLine();
         }
     }
-    ShapeNext();
-    return true;
 }
 
-}  // namespace
+// "atr NAME {". False when it is something else.
+bool ReadHeader(std::string& name) {
+    ShapeNext();
+    const bool named = ShapeName(name);
+    if (Shape.token == TOKEN_END) {
+        ScannerReport(SCANNER_END);
+        return false;
+    }
+    return named && ExpectToken(TOKEN_LEFT_BRACE, "{");
+}
 
-void SkipBlock() {
-    std::int32_t depth = 0;
-    for (; Shape.token != TOKEN_END; ShapeNext()) {
+void SkipToBlock() {
+    while (Shape.token != TOKEN_END && Shape.token != WORD_ATR && Shape.token != WORD_OBJ) {
+        ShapeNext();
+    }
+}
+
+// An object block, up to and including its closing brace.
+void SkipObject() {
+    for (std::int32_t depth = 0; Shape.token != TOKEN_END; ShapeNext()) {
         depth += Shape.token == TOKEN_LEFT_BRACE ? 1 : 0;
         if (Shape.token == TOKEN_RIGHT_BRACE && --depth <= 0) {
             ShapeNext();
@@ -255,26 +253,25 @@ void SkipBlock() {
     }
 }
 
-bool ReadAttributeBlock(std::string_view file, std::int32_t mode) {
+}  // namespace
+
+void ReadAttributeBlock(std::string_view file, std::int32_t mode) {
     std::string name;
-    ShapeNext();
-    if (!ShapeName(name) || !ExpectToken(TOKEN_LEFT_BRACE, "{")) {
-        return false;
+    if (!ReadHeader(name)) {
+        return SkipToBlock();
     }
-    AttributeRecord read{};
     const std::int32_t n = mode == 1 ? AttrSearchOrAlloc(name) : AttrAlloc(name);
     if (n < 0) {
-        ReaderSeverity = std::max(ReaderSeverity, SEVERITY_CONSTRUCT);
-        ReadBody(read);
-        return true;
+        Reading.stopped = true;
+        return;
     }
+    AttributeRecord read{};
     AttrDefaults(read, name);
     ReadBody(read);
     CopyText(read.file, file);
     read.code = AttrCodeOfColour(read.col);
     AttrTable[n] = read;
     ++AttrRevision;
-    return true;
 }
 
 bool ReadAttributeFile(std::string_view given, std::int32_t mode) {
@@ -282,24 +279,22 @@ bool ReadAttributeFile(std::string_view given, std::int32_t mode) {
     if (!HasExtension(name)) {
         name += ".suf";
     }
-    ReaderSeverity = 0;
-    if (!ShapeOpen(name)) {
-        return false;
+    BeginRead(mode, UNIT_MATRIX);
+    if (ShapeOpen(name) && Shape.token != WORD_ATR) {
+        AttributeReport(ATTRIBUTE_KIND);
     }
-    if (Shape.token != WORD_ATR && Shape.token != WORD_OBJ) {
-        Report(KIND);
-    }
-    while (Shape.token != TOKEN_END && ReaderSeverity < SEVERITY_END) {
+    while (!ReadEnded() && Shape.token != TOKEN_END) {
+        PollCancel();
         if (Shape.token == WORD_ATR) {
             ReadAttributeBlock(name, mode);
         } else if (Shape.token == WORD_OBJ) {
-            SkipBlock();
+            SkipObject();
         } else {
-            ShapeNext();
+            AttributeReport(ATTRIBUTE_MISSING, "atr");
+            SkipToBlock();
         }
     }
-    Shape = ShapeText{};
-    return ReaderSeverity < SEVERITY_CONSTRUCT;
+    return EndRead();
 }
 
 }  // namespace quelmark

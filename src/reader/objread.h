@@ -17,6 +17,9 @@ void ReaderSetCancelCheck(CancelCheck check);
 // Reads a shape file (".suf" is added to a name without an extension): attributes, objects, polygons. Mode 1
 // merges objects by name, mode 0 always creates. True when no fault of severity 10 or more was reported.
 bool ReadShapeFile(std::string_view name, std::int32_t mode);
+// Reads a frame file: the shape that its `obj` names, found by the part search and placed by its `mat`. A
+// shape file is read as by ReadShapeFile.
+bool ReadFrameFile(std::string_view name, std::int32_t mode);
 // Reads the attribute blocks of a shape file; mode 1 merges by name. True as above.
 bool ReadAttributeFile(std::string_view name, std::int32_t mode);
 // The part search: true and the path found, or false and the name as given.

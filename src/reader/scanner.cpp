@@ -1,20 +1,21 @@
 #include "reader/scanner.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
-#include <charconv>
+#include <cerrno>
+#include <cmath>
 #include <new>
 
-#include "ML/ERROR.h"
 #include "ML/STACK.h"
-#include "MODEL/POLY.h"
+#include "reader/report.h"
 #include "text/cp932.h"
 #include "text/path.h"
-#include "text/sjis.h"
 
 namespace quelmark {
 
-std::int32_t ReaderSeverity = 0;
 ShapeText Shape;
 
 namespace {
@@ -30,21 +31,49 @@ constexpr std::array<std::string_view, WORD_COUNT> WORDS = {
 };
 static_assert(std::ranges::is_sorted(WORDS));
 
-constexpr ReaderMessage MESSAGES[] = {
-    {FAULT_NUMBER, "数字が必要です。"_sjis, 10},
-    {FAULT_COLOUR, "色情報がおかしい。"_sjis, 10},
-    {FAULT_TRANSFORM, "座標変換指定がおかしい。"_sjis, 10},
-    {FAULT_ARGUMENT, "引数の処理はできません。"_sjis, 10},
-    {FAULT_LONG_NAME, "名前（%s）が長すぎます。（３１文字まで)"_sjis, 10},
-    {FAULT_NAME, "名前（%s）がおかしい"_sjis, 10},
-    {FAULT_EXISTS, " %s が存在します。"_sjis, 10},
-    {FAULT_MISSING, " %s がありません。"_sjis, 10},
-    {FAULT_END, "エンドオブファイルになりました。"_sjis, 20},
-    {FAULT_OPEN, "ファイル %s がオープンできません。"_sjis, 20},
-    {FAULT_ESCAPE, " ESC キーが押されました。"_sjis, 20},
-    {FAULT_MEMORY, "メモリが足りません。"_sjis, 20},
-    {0, "エラーコードの誤り。( scanner )"_sjis, 20},
+// Words packed into eight bytes and found by one multiplication: a number that sends no two of them to one
+// place.
+constexpr std::size_t WORD_BYTES = 8;
+constexpr std::uint64_t PackWord(std::string_view word) {
+    std::uint64_t packed = 0;
+    for (const char character : word) {
+        packed = packed << 8 | static_cast<unsigned char>(character);
+    }
+    return packed;
+}
+
+constexpr int TABLE_BITS = 10;
+struct WordTable {
+    std::array<std::uint64_t, 1 << TABLE_BITS> words{};
+    std::array<std::uint8_t, 1 << TABLE_BITS> tokens{};
+    std::uint64_t factor = 0;
+
+    constexpr std::size_t Place(std::uint64_t packed) const {
+        return static_cast<std::size_t>(packed * factor >> (64 - TABLE_BITS));
+    }
+    constexpr bool Fill(std::uint64_t tried) {
+        *this = WordTable{};
+        factor = tried;
+        for (std::size_t i = 0; i < WORDS.size(); ++i) {
+            const std::size_t place = Place(PackWord(WORDS[i]));
+            if (words[place] != 0) {
+                return false;
+            }
+            words[place] = PackWord(WORDS[i]);
+            tokens[place] = static_cast<std::uint8_t>(i);
+        }
+        return true;
+    }
 };
+consteval WordTable MakeWordTable() {
+    WordTable table;
+    std::uint64_t factor = 0x9E3779B97F4A7C15;  // an odd number with well mixed bits
+    while (!table.Fill(factor)) {
+        factor = factor * 6364136223846793005 + 1442695040888963407;
+    }
+    return table;
+}
+constexpr WordTable WORD_TABLE = MakeWordTable();
 
 bool IsBlank(char character) {
     return static_cast<unsigned char>(character) <= ' ';
@@ -55,41 +84,60 @@ bool IsPunctuation(char character) {
 bool IsDigit(char character) {
     return character >= '0' && character <= '9';
 }
+bool IsTrailByte(char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return byte >= 0x40 && byte <= 0xFC && byte != 0x7F;
+}
+bool BeginsComment(const char* at) {
+    return at[0] == '/' && at[1] == '*';
+}
+
+// Behind the comment at `at`, or at the end of the file.
+const char* SkipComment(const char* at) {
+    for (at += 2; at < Shape.end; ++at) {
+        if (at[0] == '*' && at[1] == '/') {
+            return at + 2;
+        }
+        Shape.line += *at == '\n' ? 1 : 0;
+    }
+    return Shape.end;
+}
 
 // Moves to the first character of the next token, counting lines; comments are blanks.
 void SkipBlanks() {
     const char* at = Shape.at;
-    for (; at < Shape.end; ++at) {
-        if (*at == '\n') {
-            ++Shape.line;
-        } else if (*at == '/' && at[1] == '*') {
-            at += 2;
-            while (at < Shape.end && !(*at == '*' && at[1] == '/')) {
-                Shape.line += *at++ == '\n' ? 1 : 0;
-            }
-            ++at;
-        } else if (!IsBlank(*at)) {
+    while (at < Shape.end) {
+        if (BeginsComment(at)) {
+            at = SkipComment(at);
+        } else if (IsBlank(*at)) {
+            Shape.line += *at++ == '\n' ? 1 : 0;
+        } else {
             break;
         }
     }
-    Shape.at = std::min(at, Shape.end);
+    Shape.at = at;
 }
 
-// The word at Shape.at: up to a blank or a punctuation, neither of which is looked for in second bytes.
+// The word at Shape.at: up to a blank, a punctuation or a comment, none of which is looked for in second
+// bytes.
 std::string_view TakeWord() {
     const char* start = Shape.at;
     const char* at = start;
-    while (at < Shape.end && !IsBlank(*at) && !IsPunctuation(*at)) {
-        at += IsLeadByte(static_cast<unsigned char>(*at)) && at + 1 < Shape.end ? 2 : 1;
+    while (at < Shape.end && !IsBlank(*at) && !IsPunctuation(*at) && !BeginsComment(at)) {
+        at += IsLeadByte(static_cast<unsigned char>(*at)) && IsTrailByte(at[1]) ? 2 : 1;
     }
     Shape.at = at;
     return {start, static_cast<std::size_t>(at - start)};
 }
 
 std::int32_t WordToken(std::string_view word) {
-    const auto found = std::ranges::lower_bound(WORDS, word);
-    return found != WORDS.end() && *found == word ? static_cast<std::int32_t>(found - WORDS.begin())
-                                                  : TOKEN_NAME;
+    if (word.size() > WORD_BYTES) {
+        return TOKEN_NAME;
+    }
+    const std::uint64_t packed = PackWord(word);
+    const std::size_t place = WORD_TABLE.Place(packed);
+    return WORD_TABLE.words[place] == packed ? std::int32_t{WORD_TABLE.tokens[place]}
+                                             : std::int32_t{TOKEN_NAME};
 }
 
 bool LooksNumeric(std::string_view word) {
@@ -109,77 +157,83 @@ void ClassifyWord(std::string_view word) {
     }
 }
 
-// Digits only, the fast case of a coordinate. Moves behind it; false leaves everything to the careful path.
-bool TakePlainInteger(std::int32_t& value) {
-    const char* at = Shape.at;
-    const bool negative = *at == '-';
-    at += negative ? 1 : 0;
-    const char* first = at;
-    std::int32_t sum = 0;
-    while (IsDigit(*at)) {
-        sum = sum * 10 + (*at++ - '0');
-        if (at - first > 8) {
-            return false;
-        }
-    }
-    if (at == first || !(IsBlank(*at) || *at == ')')) {
+// Reads the whole file into Shape.bytes, growing them when it has grown since it was looked at.
+// False when it cannot be read.
+bool Load(std::string_view path) {
+    constexpr std::size_t ROOM_LEAST = 65536;
+    const auto host = HostPath(path);
+    struct stat status {};
+    // A pipe or a device may never end.
+    if (!host || ::stat(host->c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return false;
     }
-    Shape.at = at;
-    value = negative ? -sum : sum;
+    const FilePtr file = OpenFile(path, "rb");
+    if (!file) {
+        return false;
+    }
+    // One byte more than it promises shows that its end has been reached.
+    std::size_t room = std::max(static_cast<std::size_t>(status.st_size) + 2, ROOM_LEAST);
+    std::size_t size = 0;
+    Shape.bytes = std::make_unique_for_overwrite<char[]>(room);
+    for (;;) {
+        const ssize_t count = ::read(::fileno(file.get()), Shape.bytes.get() + size, room - 1 - size);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            return false;
+        }
+        size += static_cast<std::size_t>(count);
+        if (count == 0) {
+            break;
+        }
+        if (size + 1 == room) {
+            auto larger = std::make_unique_for_overwrite<char[]>(room * 2);
+            std::copy_n(Shape.bytes.get(), size, larger.get());
+            Shape.bytes = std::move(larger);
+            room *= 2;
+        }
+    }
+    Shape.bytes[size] = '\0';
+    Shape.end = Shape.bytes.get() + size;
     return true;
 }
 
-}  // namespace
-
-std::int32_t ReaderReportText(std::string_view text, std::int32_t severity) {
-    char number[16];
-    std::snprintf(number, sizeof number, "%3d", Shape.line);
-    std::string line = Shape.name;
-    line += number;
-    line += " : ";
-    line += text;
-    line += "   next token=";
-    line += Shape.text;
-    Warning(line);
-    ReaderSeverity = std::max(ReaderSeverity, severity);
-    return severity;
-}
-
-std::int32_t ReaderReport(std::span<const ReaderMessage> table, std::int32_t code,
-                          std::string_view argument) {
-    const auto* row =
-        std::ranges::find(table.data(), table.data() + table.size() - 1, code, &ReaderMessage::code);
-    std::string text = row->text;
-    if (const std::size_t place = text.find("%s"); place != std::string::npos) {
-        text.replace(place, 2, argument);
+// A file that begins with a byte order mark is UTF-8.
+void ConvertText() {
+    const std::string_view text(Shape.bytes.get(), static_cast<std::size_t>(Shape.end - Shape.bytes.get()));
+    if (!text.starts_with("\xEF\xBB\xBF")) {
+        return;
     }
-    return ReaderReportText(text, row->severity);
+    const std::string converted = FileTextToCp932(std::string(text));
+    Shape.bytes = std::make_unique_for_overwrite<char[]>(converted.size() + 1);
+    std::copy_n(converted.c_str(), converted.size() + 1, Shape.bytes.get());
+    Shape.end = Shape.bytes.get() + converted.size();
 }
 
-std::int32_t ScannerReport(std::int32_t code, std::string_view argument) {
-    return ReaderReport(MESSAGES, code, argument);
-}
+}  // namespace
 
 bool ShapeOpen(std::string_view path) {
     Shape = ShapeText{};
     Shape.name = path;
     Shape.directory = DirectoryPart(path);
     try {
-        auto bytes = ReadWholeFile(path);
-        if (!bytes) {
-            ScannerReport(FAULT_OPEN, path);
+        if (!Load(path)) {
+            ScannerReport(SCANNER_OPEN, path);
             return false;
         }
-        Shape.bytes = FileTextToCp932(std::move(*bytes));
+        ConvertText();
     } catch (const std::bad_alloc&) {
-        ScannerReport(FAULT_MEMORY);
+        ScannerReport(SCANNER_MEMORY);
         return false;
     }
-    Shape.at = Shape.bytes.c_str();
-    Shape.end = Shape.at + Shape.bytes.size();
+    Shape.at = Shape.bytes.get();
     ShapeNext();
     return true;
+}
+
+void ShapeClose() {
+    Shape = ShapeText{};
 }
 
 void ShapeNext() {
@@ -201,15 +255,6 @@ void ShapeNext() {
                                  : TOKEN_RIGHT_BRACE;
 }
 
-bool ShapeAtRightParen() {
-    SkipBlanks();
-    if (*Shape.at != ')') {
-        return false;
-    }
-    ShapeNext();
-    return true;
-}
-
 bool ShapeAccept(std::int32_t token) {
     if (Shape.token != token) {
         return false;
@@ -218,38 +263,35 @@ bool ShapeAccept(std::int32_t token) {
     return true;
 }
 
-std::size_t ShapeIntegers(std::int16_t* values, std::size_t most, bool& clamped) {
-    std::size_t count = 0;
-    for (; count < most; ++count) {
-        SkipBlanks();
-        std::int32_t value = 0;
-        if (!TakePlainInteger(value)) {
-            ShapeNext();
-            if (Shape.token != TOKEN_NUMBER) {
-                return count;
-            }
-            const double limited = std::clamp(Shape.number, -40000.0, 40000.0);
-            value = static_cast<std::int32_t>(limited);
-        }
-        if (value < VERTEX_MIN || value > VERTEX_MAX) {
-            clamped = true;
-            value = std::clamp(value, VERTEX_MIN, VERTEX_MAX);
-        }
-        values[count] = static_cast<std::int16_t>(value);
+void ShapeResume(const ShapeCursor& cursor) {
+    Shape.at = cursor.at;
+    Shape.line = cursor.line;
+    ShapeNext();
+}
+
+bool TakeAnyCoordinate(ShapeCursor& cursor, std::int16_t& value, bool& limited) {
+    constexpr double MOST = COORDINATE_MOST;
+    ShapeResume(cursor);
+    if (Shape.token != TOKEN_NUMBER) {
+        return false;
     }
-    return count;
+    const double whole = std::clamp(std::trunc(Shape.number), -MOST, MOST);
+    limited = limited || whole != std::trunc(Shape.number);
+    value = static_cast<std::int16_t>(whole);
+    cursor = ShapeCursor{};
+    return true;
 }
 
 bool ShapeName(std::string& name) {
     if (Shape.token == TOKEN_END) {
         return false;
     }
-    if (Shape.token > WORD_COUNT && Shape.token != TOKEN_NUMBER && Shape.token != TOKEN_NAME) {
-        ScannerReport(FAULT_NAME, Shape.text);
+    if (!ShapeAtWord()) {
+        ScannerReport(SCANNER_NAME, Shape.text);
         return false;
     }
     if (Shape.text.size() > READER_NAME_BYTES) {
-        ScannerReport(FAULT_LONG_NAME, Shape.text.substr(0, 256));
+        ScannerReport(SCANNER_LONG_NAME, Shape.text);
         ShapeNext();
         return false;
     }
@@ -259,23 +301,32 @@ bool ShapeName(std::string& name) {
 }
 
 bool ShapeNumbers(std::span<double> numbers) {
+    if (Shape.token == TOKEN_END) {
+        return false;
+    }
     if (!ShapeAccept(TOKEN_LEFT_PAREN)) {
-        ScannerReport(FAULT_MISSING, "(");
+        ScannerReport(SCANNER_MISSING, "(");
         return false;
     }
     for (double& number : numbers) {
         if (Shape.token != TOKEN_NUMBER) {
-            ScannerReport(FAULT_NUMBER);
+            if (Shape.token != TOKEN_END) {
+                ScannerReport(SCANNER_NUMBER);
+            }
             return false;
         }
         number = Shape.number;
         ShapeNext();
     }
-    if (!ShapeAccept(TOKEN_RIGHT_PAREN)) {
-        ScannerReport(FAULT_MISSING, ")");
-        return false;
+    if (ShapeAccept(TOKEN_RIGHT_PAREN)) {
+        return true;
     }
-    return true;
+    if (Shape.token == TOKEN_NUMBER) {
+        ScannerReport(SCANNER_EXISTS, Shape.text);
+    } else if (Shape.token != TOKEN_END) {
+        ScannerReport(SCANNER_MISSING, ")");
+    }
+    return false;
 }
 
 }  // namespace quelmark

@@ -1,7 +1,8 @@
-// Tokens of a shape file, read whole into memory, and the one routine through which every fault is reported.
+// Tokens of a shape file, read whole into memory.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -87,47 +88,14 @@ enum ReaderToken : std::int32_t {
 };
 
 inline constexpr std::size_t READER_NAME_BYTES = 31;
-
-// A reader's messages: code, text with at most one "%s", severity (1 warning, 10 construct, 20 end of the
-// read).
-struct ReaderMessage {
-    std::int32_t code;
-    const char* text;
-    std::int32_t severity;
-};
-// The worst severity since ReaderBegin.
-extern std::int32_t ReaderSeverity;
-inline constexpr std::int32_t SEVERITY_CONSTRUCT = 10;
-inline constexpr std::int32_t SEVERITY_END = 20;
-// Shows "file line : message   next token=token" as a warning; the last row of a table serves unknown codes.
-// Returns the severity.
-std::int32_t ReaderReport(std::span<const ReaderMessage> table, std::int32_t code,
-                          std::string_view argument = "");
-std::int32_t ReaderReportText(std::string_view text, std::int32_t severity);
-
-// The scanner's own messages.
-enum ScannerFault : std::int32_t {
-    FAULT_NUMBER = 11,
-    FAULT_COLOUR = 12,
-    FAULT_TRANSFORM = 13,
-    FAULT_ARGUMENT = 14,
-    FAULT_LONG_NAME = 15,
-    FAULT_NAME = 16,
-    FAULT_EXISTS = 17,
-    FAULT_MISSING = 18,
-    FAULT_END = 21,
-    FAULT_OPEN = 22,
-    FAULT_ESCAPE = 23,
-    FAULT_MEMORY = 24,
-};
-std::int32_t ScannerReport(std::int32_t code, std::string_view argument = "");
+inline constexpr std::uint32_t COORDINATE_MOST = 32767;
 
 // The file being read. One is active; a part reference puts it aside and takes it back.
 struct ShapeText {
-    std::string bytes;         // a NUL stands behind the last one
-    std::string name;          // as messages show it
-    std::string directory;     // up to and including the last separator
-    const char* at = nullptr;  // behind the current token
+    std::unique_ptr<char[]> bytes;  // a NUL stands behind the last one
+    std::string name;               // as messages show it
+    std::string directory;          // up to and including the last separator
+    const char* at = nullptr;       // behind the current token
     const char* end = nullptr;
     std::int32_t line = 1;
     std::int32_t token = TOKEN_END;
@@ -140,19 +108,65 @@ extern ShapeText Shape;
 // Opens a file as the active one and scans its first token. Reports "ファイル %s がオープンできません。" or
 // "メモリが足りません。" and answers false.
 bool ShapeOpen(std::string_view path);
+void ShapeClose();
 // The next token becomes the current one.
 void ShapeNext();
 // Skips the current token when it is this one.
 bool ShapeAccept(std::int32_t token);
-// The reader's fast path, behind the current token and without making tokens: `most` coordinates, truncated
-// and clamped to ±32767 (`clamped` tells). Returns how many there were; when fewer, the token that is no
-// number is current.
-std::size_t ShapeIntegers(std::int16_t* values, std::size_t most, bool& clamped);
-// True, with it as the current token, when a `)` comes next.
-bool ShapeAtRightParen();
-// A name: reports and answers false when the current token is none.
+// True for a word that is no punctuation.
+inline bool ShapeAtWord() {
+    return Shape.token < WORD_COUNT || Shape.token == TOKEN_NUMBER || Shape.token == TOKEN_NAME;
+}
+// A name: any word. Reports and answers false when the current token is none; silently at the end of the
+// file.
 bool ShapeName(std::string& name);
-// `( n numbers )`: reports and answers false when it is something else.
+// `( n numbers )`: as above.
 bool ShapeNumbers(std::span<double> numbers);
+
+// ---- coordinates, without making tokens ----
+
+// A place in the active file that runs ahead of its current token.
+struct ShapeCursor {
+    const char* at = Shape.at;
+    std::int32_t line = Shape.line;
+};
+
+// To the first character that is no blank: a NUL is the end of the file, or for the tokens to look at.
+inline void SkipToWord(ShapeCursor& cursor) {
+    while (static_cast<unsigned char>(*cursor.at - 1) < ' ') {
+        cursor.line += *cursor.at++ == '\n' ? 1 : 0;
+    }
+}
+
+// A coordinate of digits only, inside its range. False, with the cursor in front of the word, when a closer
+// look is needed.
+inline bool TakeCoordinate(ShapeCursor& cursor, std::int16_t& value) {
+    SkipToWord(cursor);
+    const char* at = cursor.at;
+    const bool negative = *at == '-';
+    at += negative ? 1 : 0;
+    const char* const first = at;
+    std::uint32_t sum = 0;
+    std::uint32_t digit = 0;
+    while ((digit = static_cast<std::uint32_t>(*at) - '0') < 10) {
+        sum = sum * 10 + digit;
+        ++at;
+    }
+    // Up to nine digits do not wrap.
+    if (at == first || at - first > 9 || sum > COORDINATE_MOST ||
+        !(static_cast<unsigned char>(*at) <= ' ' || *at == ')')) {
+        return false;
+    }
+    cursor.at = at;
+    value = static_cast<std::int16_t>(negative ? -static_cast<std::int32_t>(sum)
+                                               : static_cast<std::int32_t>(sum));
+    return true;
+}
+
+// The closer look: comments, fractions (truncated), signs, values out of range (limited; `limited` tells).
+// False, with it as the current token, when there is no number.
+bool TakeAnyCoordinate(ShapeCursor& cursor, std::int16_t& value, bool& limited);
+// The token behind the cursor becomes the current one.
+void ShapeResume(const ShapeCursor& cursor);
 
 }  // namespace quelmark

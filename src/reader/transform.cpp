@@ -1,5 +1,6 @@
 #include "reader/transform.h"
 
+#include "reader/report.h"
 #include "reader/scanner.h"
 
 namespace quelmark {
@@ -8,7 +9,9 @@ namespace {
 bool ReadNumbers(std::span<double> numbers) {
     ShapeNext();
     if (!ShapeNumbers(numbers)) {
-        ScannerReport(FAULT_TRANSFORM);
+        if (Shape.token != TOKEN_END) {
+            ScannerReport(SCANNER_TRANSFORM);
+        }
         return false;
     }
     return true;

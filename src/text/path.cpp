@@ -74,7 +74,11 @@ std::optional<std::string> Plain(std::string_view scriptPath) {
     if (slashes.find('\0') != std::string::npos) {
         return std::nullopt;
     }
-    return Cp932ToUtf8(slashes);
+    std::string utf8 = Cp932ToUtf8(slashes);
+    if (utf8.find("\xEF\xBF\xBD") != std::string::npos) {
+        return std::nullopt;  // no cp932 text: it names nothing
+    }
+    return utf8;
 }
 
 }  // namespace

@@ -1,0 +1,177 @@
+#include "MODEL/SUFTEXT.h"
+
+#include <charconv>
+
+#include "ML/ERROR.h"
+#include "MODEL/POLY.h"
+#include "text/savefile.h"
+#include "text/sjis.h"
+
+namespace quelmark {
+namespace {
+
+constexpr double FIXED_12 = 4096;
+constexpr double FIXED_16 = 65536;
+
+void AppendReal(std::string& text, const char* format, double value) {
+    char number[400];
+    text.append(number, static_cast<std::size_t>(FormatReal(number, sizeof number, format, value)));
+}
+
+// ---- attributes ----
+
+bool IsGrey(const ColourTriple& colour) {
+    return colour.red == colour.green && colour.green == colour.blue;
+}
+
+void AppendColour(std::string& text, const ColourTriple& colour) {
+    if (IsGrey(colour)) {
+        return AppendReal(text, "%4.2lf", colour.red / FIXED_12);
+    }
+    AppendReal(text, "rgb ( %4.2lf ", colour.red / FIXED_12);
+    AppendReal(text, "%4.2lf ", colour.green / FIXED_12);
+    AppendReal(text, "%4.2lf )", colour.blue / FIXED_12);
+}
+
+void AppendColourLine(std::string& text, const char* word, const ColourTriple& colour) {
+    text.append("\t").append(word).append(" ( ");
+    AppendColour(text, colour);
+    text += " )\n";
+}
+
+// Left out when the colour is black.
+void AppendOptionalLine(std::string& text, const char* word, const ColourTriple& colour) {
+    if (colour.red != 0 || colour.green != 0 || colour.blue != 0) {
+        AppendColourLine(text, word, colour);
+    }
+}
+
+void AppendRectangle(std::string& text, const char* word, const std::int32_t (&rectangle)[2][2]) {
+    text.append("\t").append(word).append(" ( ");
+    for (const auto& point : rectangle) {
+        for (const std::int32_t value : point) {
+            if ((value & 0xFFFF) == 0) {
+                text.append(std::to_string(value / 65536)).append(" ");
+            } else {
+                AppendReal(text, "%8.4lf ", value / FIXED_16);
+            }
+        }
+    }
+    text += ")\n";
+}
+
+// ---- polygons ----
+
+constexpr const char* KEYWORDS[] = {"poly", "shade", "uvpoly", "uvshade"};
+
+void AppendWords(std::string& text, std::initializer_list<std::int16_t> words) {
+    char number[8];
+    for (const std::int16_t word : words) {
+        const auto end = std::to_chars(number, number + sizeof number, word).ptr;
+        text += '\t';
+        text.append(number, end);
+    }
+}
+
+// A number that names no attribute is written as the reader's attribute for polygons without one.
+const char* AttributeName(std::int16_t attribute) {
+    const bool named = 0 <= attribute && attribute < AttributeCount && AttrTable[attribute].name[0] != '\0';
+    return named ? AttrTable[attribute].name : "no";
+}
+
+void AppendPolygon(std::string& text, const PolygonRecord& polygon) {
+    const std::uint16_t type = polygon.type & POLY_UVSHADE;
+    text.append("prim\t").append(KEYWORDS[type]).append("\t(");
+    bool first = true;
+    for (const VertexRecord& vertex : polygon.Vertices()) {
+        if (!first) {
+            text += "\n\t\t ";
+        }
+        first = false;
+        AppendWords(text, {vertex.x, vertex.y, vertex.z});
+        if ((type & POLY_SHADE) != 0) {
+            AppendWords(text, {vertex.nx, vertex.ny, vertex.nz});
+        }
+        if ((type & POLY_UV) != 0) {
+            AppendWords(text, {vertex.u, vertex.v});
+        }
+    }
+    text += " )\n\n";
+}
+
+}  // namespace
+
+std::string AttributeText(const AttributeRecord& attribute) {
+    std::string text = "atr ";
+    text.append(attribute.name).append(" {\n");
+    AppendColourLine(text, "col", attribute.col);
+    AppendColourLine(text, "tra", attribute.tra);
+    AppendColourLine(text, "amb", attribute.amb);
+    AppendColourLine(text, "dif", attribute.dif);
+    text += "\tspc ( ";
+    AppendColour(text, attribute.spc);
+    text += " ";
+    AppendColour(text, attribute.size);
+    AppendReal(text, " %4.2lf )\n", attribute.spcextra / FIXED_12);
+    AppendOptionalLine(text, "ref", attribute.ref);
+    AppendOptionalLine(text, "rfr", attribute.rfr);
+    AppendOptionalLine(text, "att", attribute.att);
+    if (attribute.map == 1 && attribute.mapfile[0] != '\0') {
+        text.append("\tcolormap ( ").append(attribute.mapfile).append(" )\n");
+        AppendRectangle(text, "mapsize", attribute.mapsize);
+        AppendRectangle(text, "mapview", attribute.mapview);
+        AppendRectangle(text, "mapwind", attribute.mapwind);
+    }
+    return text + "}\n";
+}
+
+std::string ObjectText(std::string_view name) {
+    std::string text = "obj suf ";
+    text.append(name).append(" {\n");
+    std::int32_t attribute = -1;
+    for (const PolygonRecord* polygon = PolygonTop(); polygon != nullptr;
+         polygon = PolygonNext(const_cast<PolygonRecord*>(polygon))) {
+        if (polygon->select != 1) {
+            continue;
+        }
+        if (polygon->attr != attribute) {
+            attribute = polygon->attr;
+            text.append("atr ").append(AttributeName(polygon->attr)).append("\n");
+        }
+        AppendPolygon(text, *polygon);
+    }
+    return text + "}\n";
+}
+
+std::string FrameText(const Matrix& matrix, std::string_view object, const Vector& background,
+                      std::int32_t angle) {
+    std::string text;
+    if (background.x != 0 || background.y != 0 || background.z != 0) {
+        // No line end behind it: renderers have always been given it so.
+        text += "env { back ( rgb ( ";
+        AppendReal(text, "%8f ", background.x);
+        AppendReal(text, "%8f ", background.y);
+        AppendReal(text, "%8f ) ) }", background.z);
+    }
+    text += "fram {\n\tlight pal ( rgb ( 1 1 1 ) 4 2 -1 )\n";
+    text.append("\teye deg ( ").append(std::to_string(angle)).append(" )\n\tmat(\n");
+    for (int row = 0; row < 4; ++row) {
+        text += "\t\t";
+        for (const float element : matrix.row[row]) {
+            AppendReal(text, "%8f ", element);
+        }
+        text += row == 3 ? "1.0\n" : "0.0\n";
+    }
+    return text.append("\t)\n\tobj ").append(object).append("\n}\n");
+}
+
+bool SaveBlock(std::string_view fileName, std::string_view text, std::int32_t mode) {
+    const SaveResult result =
+        mode == FILE_APPEND ? SaveAppending(fileName, text) : SaveReplacing(fileName, text);
+    if (result == SaveResult::notOpened) {
+        Warning("ファイルがオープンできません"_sjis);
+    }
+    return result == SaveResult::saved;
+}
+
+}  // namespace quelmark

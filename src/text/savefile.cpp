@@ -1,0 +1,129 @@
+#include "text/savefile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <string>
+
+#include "text/path.h"
+
+namespace quelmark {
+namespace {
+
+constexpr mode_t NEW_FILE_MODE = 0666;
+
+class Descriptor {
+  public:
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { Close(); }
+
+    int Number() const { return number_; }
+    bool IsOpen() const { return number_ >= 0; }
+    bool Close() {
+        const int number = number_;
+        number_ = -1;
+        return number < 0 || ::close(number) == 0;
+    }
+
+  private:
+    int number_;
+};
+
+bool WriteAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+// A link is followed, so that the file it means is replaced and not the link.
+std::string Target(const std::string& path) {
+    char resolved[PATH_MAX];
+    return ::realpath(path.c_str(), resolved) != nullptr ? std::string(resolved) : path;
+}
+
+// The mode that a new file gets.
+mode_t FreshMode() {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return NEW_FILE_MODE & ~mask;
+}
+
+SaveResult WriteDirectly(const std::string& path, std::string_view bytes) {
+    Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    if (!file.IsOpen()) {
+        return SaveResult::notOpened;
+    }
+    return WriteAll(file.Number(), bytes) && file.Close() ? SaveResult::saved : SaveResult::notWritten;
+}
+
+}  // namespace
+
+SaveResult SaveReplacing(std::string_view scriptPath, std::string_view bytes) {
+    const auto given = HostPath(scriptPath);
+    if (!given || given->empty()) {
+        return SaveResult::notOpened;
+    }
+    const std::string path = Target(*given);
+    struct stat status {};
+    const bool exists = ::stat(path.c_str(), &status) == 0;
+    if (exists && S_ISDIR(status.st_mode)) {
+        return SaveResult::notOpened;
+    }
+    if (exists && !S_ISREG(status.st_mode)) {
+        return WriteDirectly(path, bytes);
+    }
+    if (exists && ::access(path.c_str(), W_OK) != 0) {
+        return SaveResult::notOpened;  // the file itself is protected, whatever its folder allows
+    }
+    const std::size_t separator = path.rfind('/');
+    std::string sibling = separator == std::string::npos ? "" : path.substr(0, separator + 1);
+    sibling += ".saving-XXXXXX";
+    Descriptor file(::mkostemp(sibling.data(), O_CLOEXEC));
+    if (!file.IsOpen()) {
+        return SaveResult::notOpened;
+    }
+    const mode_t mode = exists ? status.st_mode & 07777 : FreshMode();
+    const bool complete = WriteAll(file.Number(), bytes) && ::fchmod(file.Number(), mode) == 0 &&
+                          ::fsync(file.Number()) == 0 && file.Close() &&
+                          ::rename(sibling.c_str(), path.c_str()) == 0;
+    if (!complete) {
+        ::unlink(sibling.c_str());
+        return SaveResult::notWritten;
+    }
+    return SaveResult::saved;
+}
+
+SaveResult SaveAppending(std::string_view scriptPath, std::string_view bytes) {
+    const auto path = HostPath(scriptPath);
+    if (!path || path->empty()) {
+        return SaveResult::notOpened;
+    }
+    Descriptor file(::open(path->c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, NEW_FILE_MODE));
+    struct stat before {};
+    if (!file.IsOpen() || ::fstat(file.Number(), &before) != 0) {
+        return SaveResult::notOpened;
+    }
+    if (WriteAll(file.Number(), bytes)) {
+        return file.Close() ? SaveResult::saved : SaveResult::notWritten;
+    }
+    if (S_ISREG(before.st_mode) && ::ftruncate(file.Number(), before.st_size) != 0) {
+        return SaveResult::notWritten;  // nothing more can be done; the reader reports the incomplete block
+    }
+    return SaveResult::notWritten;
+}
+
+}  // namespace quelmark
