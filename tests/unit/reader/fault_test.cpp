@@ -15,19 +15,19 @@ const std::string GOOD = "atr a " + TRIANGLE;
 TEST_F(Faults, AFileThatBeginsWithAnythingElseIsNoShapeFile) {
     EXPECT_FALSE(Read("fram { }"));
     EXPECT_FALSE(Read(""));
-    EXPECT_EQ(warnings, (Lines{"t.suf  1 : 形状ファイルではありません。   next token=fram",
+    EXPECT_EQ(messages, (Lines{"t.suf  1 : 形状ファイルではありません。   next token=fram",
                                "t.suf  1 : 形状ファイルではありません。   next token="}));
 }
 
 TEST_F(Faults, PrivateGivesOneWarningAndIsSkipped) {
     EXPECT_TRUE(Read("obj private suf o {\n" + GOOD + "}"));
-    EXPECT_EQ(warnings, Lines{"t.suf  1 : 警告：private 処理はサポートしていません。   next token=private"});
+    EXPECT_EQ(messages, Lines{"t.suf  1 : 警告：private 処理はサポートしていません。   next token=private"});
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
 TEST_F(Faults, AHeaderWithoutSufIsNoSurfaceModelAndTheNextObjectIsRead) {
     EXPECT_FALSE(Read("obj mod o {\n" + GOOD + "}\n" + Block(GOOD, "p")));
-    EXPECT_EQ(warnings, Lines{"t.suf  1 : サーフィスモデルではありません。   next token=mod"});
+    EXPECT_EQ(messages, Lines{"t.suf  1 : サーフィスモデルではありません。   next token=mod"});
     ASSERT_EQ(Polygons().size(), 1U);
     EXPECT_EQ(ObjectOf(Polygons()[0]), "p");
 }
@@ -37,7 +37,7 @@ TEST_F(Faults, ANameOf31BytesIsReadAndOneOf32Refused) {
     EXPECT_EQ(std::string(ObjTable[0].name), std::string(16, 'n'));
     EXPECT_FALSE(Read(Block(GOOD, std::string(32, 'n'))));
     const std::string name(32, 'n');
-    EXPECT_EQ(warnings,
+    EXPECT_EQ(messages,
               Lines{"t.suf  1 : 名前（" + name + "）が長すぎます。（３１文字まで)   next token=" + name});
 }
 
@@ -47,7 +47,7 @@ TEST_F(Faults, ALongJapaneseNameIsQuotedWhole) {
         name += "壁";
     }
     EXPECT_FALSE(Read(Block("atr " + name + "\n" + GOOD)));
-    EXPECT_EQ(warnings,
+    EXPECT_EQ(messages,
               Lines{"t.suf  2 : 名前（" + name + "）が長すぎます。（３１文字まで)   next token=" + name});
     EXPECT_EQ(Polygons().size(), 1U);
 }
@@ -58,32 +58,32 @@ TEST_F(Faults, AVeryLongTokenIsQuotedInPartWithoutCuttingACharacter) {
         name += "壁";
     }
     EXPECT_FALSE(Read(Block(GOOD, name)));
-    ASSERT_EQ(warnings.size(), 1U);
-    EXPECT_LT(warnings[0].size(), 600U);
-    EXPECT_EQ(warnings[0].find("\xEF\xBF\xBD"), std::string::npos);
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_LT(messages[0].size(), 600U);
+    EXPECT_EQ(messages[0].find("\xEF\xBF\xBD"), std::string::npos);
 }
 
 TEST_F(Faults, PunctuationInThePlaceOfANameIsMalformed) {
     EXPECT_FALSE(Read("obj suf ( {\n}\n" + Block(GOOD)));
-    EXPECT_EQ(warnings, Lines{"t.suf  1 : 名前（(）がおかしい   next token=("});
+    EXPECT_EQ(messages, Lines{"t.suf  1 : 名前（(）がおかしい   next token=("});
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
 TEST_F(Faults, AMissingBraceFailsTheBlock) {
     EXPECT_FALSE(Read("obj suf o\n" + GOOD + "}\n" + Block(GOOD, "p")));
-    EXPECT_EQ(warnings, Lines{"t.suf  2 :  { がありません。   next token=atr"});
+    EXPECT_EQ(messages, Lines{"t.suf  2 :  { がありません。   next token=atr"});
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
 TEST_F(Faults, WhatStandsBetweenBlocksIsSkippedToTheNextObject) {
     EXPECT_FALSE(Read(Block(GOOD) + "star 1 2\n" + Block(GOOD, "p")));
-    EXPECT_EQ(warnings, Lines{"t.suf  4 :  obj がありません。   next token=star"});
+    EXPECT_EQ(messages, Lines{"t.suf  4 :  obj がありません。   next token=star"});
     EXPECT_EQ(Polygons().size(), 2U);
 }
 
 TEST_F(Faults, APolygonOfTwoVerticesIsDropped) {
     EXPECT_FALSE(Read(Block("atr a\nprim poly ( 0 0 0 1 0 0 )\nprim poly ( )\n" + TRIANGLE)));
-    EXPECT_EQ(warnings, (Lines{"t.suf  3 : 多角形の頂点が２つ以下しかありません。   next token=)",
+    EXPECT_EQ(messages, (Lines{"t.suf  3 : 多角形の頂点が２つ以下しかありません。   next token=)",
                                "t.suf  4 : 多角形の頂点が２つ以下しかありません。   next token=)"}));
     EXPECT_EQ(Polygons().size(), 1U);
 }
@@ -93,7 +93,7 @@ TEST_F(Faults, APolygonWithMoreVerticesThanTheModelAllowsIsDropped) {
     EXPECT_FALSE(Read(
         Block("atr a prim poly ( 0 0 0 1 0 0 1 1 0 0 1 0 )\nprim poly ( 0 0 0 1 0 0 1 1 0 0 1 0 5 5 5 )" +
               TRIANGLE)));
-    EXPECT_EQ(warnings, Lines{"t.suf  3 : 構造定義が複雑すぎます。   next token=)"});
+    EXPECT_EQ(messages, Lines{"t.suf  3 : 構造定義が複雑すぎます。   next token=)"});
     EXPECT_EQ(Polygons().size(), 2U);
 }
 
@@ -103,31 +103,31 @@ TEST_F(Faults, ThousandsOfVerticesInOnePolygonAreDropped) {
         text += " 1 2 3";
     }
     EXPECT_FALSE(Read(Block(text + " )\n" + TRIANGLE)));
-    EXPECT_EQ(warnings, Lines{"t.suf  2 : 構造定義が複雑すぎます。   next token=1"});
+    EXPECT_EQ(messages, Lines{"t.suf  2 : 構造定義が複雑すぎます。   next token=1"});
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
 TEST_F(Faults, AWordAmongCoordinatesNeedsANumberThere) {
     EXPECT_FALSE(Read(Block("atr a prim poly ( 0 0 0\n1 zwei 0 0 1 0 )\n" + TRIANGLE)));
-    EXPECT_EQ(warnings, Lines{"t.suf  3 : 数字が必要です。   next token=zwei"});
+    EXPECT_EQ(messages, Lines{"t.suf  3 : 数字が必要です。   next token=zwei"});
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
 TEST_F(Faults, AnIncompleteVertexNeedsANumber) {
     EXPECT_FALSE(Read(Block("atr a prim poly ( 0 0 0 1 0 0 0 1 )\n" + TRIANGLE)));
-    EXPECT_EQ(warnings, Lines{"t.suf  2 : 数字が必要です。   next token=)"});
+    EXPECT_EQ(messages, Lines{"t.suf  2 : 数字が必要です。   next token=)"});
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
 TEST_F(Faults, APolygonWithoutItsEndDoesNotTakeTheNextOneWithIt) {
     EXPECT_FALSE(Read(Block("atr a prim poly ( 0 0 0 1 0 0 0 1 0\n" + TRIANGLE + TRIANGLE)));
-    EXPECT_EQ(warnings, Lines{"t.suf  3 : 数字が必要です。   next token=prim"});
+    EXPECT_EQ(messages, Lines{"t.suf  3 : 数字が必要です。   next token=prim"});
     EXPECT_EQ(Polygons().size(), 2U);
 }
 
 TEST_F(Faults, UnknownAndUnsupportedPrimitivesAreDropped) {
     EXPECT_FALSE(Read(Block("atr a prim spot ( 1 2 3 )\nprim ball ( 1 )\nprim poly 1 2 3 )\n" + TRIANGLE)));
-    EXPECT_EQ(warnings, (Lines{"t.suf  2 :  spot はサポートしていません。   next token=spot",
+    EXPECT_EQ(messages, (Lines{"t.suf  2 :  spot はサポートしていません。   next token=spot",
                                "t.suf  3 :  poly がありません。   next token=ball",
                                "t.suf  4 :  ( がありません。   next token=1"}));
     EXPECT_EQ(Polygons().size(), 1U);
@@ -135,7 +135,7 @@ TEST_F(Faults, UnknownAndUnsupportedPrimitivesAreDropped) {
 
 TEST_F(Faults, SceneWordsInAnObjectAreUnsupportedAndOtherWordsStray) {
     EXPECT_FALSE(Read(Block("light ( 1 2 3 )\nword\n" + GOOD)));
-    EXPECT_EQ(warnings, (Lines{"t.suf  2 :  light はサポートしていません。   next token=light",
+    EXPECT_EQ(messages, (Lines{"t.suf  2 :  light はサポートしていません。   next token=light",
                                "t.suf  3 :  word が存在します。   next token=word"}));
     EXPECT_EQ(Polygons().size(), 1U);
 }
@@ -143,7 +143,7 @@ TEST_F(Faults, SceneWordsInAnObjectAreUnsupportedAndOtherWordsStray) {
 TEST_F(Faults, TheEndOfTheFileInsideABlockEndsTheReadAndKeepsWhatWasRead) {
     EXPECT_FALSE(Read("obj suf o {\n" + GOOD + TRIANGLE));
     EXPECT_FALSE(Read("obj suf o {\n" + GOOD + "prim poly ( 0 0"));
-    EXPECT_EQ(warnings, (Lines{"t.suf  4 : エンドオブファイルになりました   next token=",
+    EXPECT_EQ(messages, (Lines{"t.suf  4 : エンドオブファイルになりました   next token=",
                                "t.suf  3 : エンドオブファイルになりました   next token="}));
     EXPECT_EQ(Polygons().size(), 3U);
 }
@@ -151,20 +151,20 @@ TEST_F(Faults, TheEndOfTheFileInsideABlockEndsTheReadAndKeepsWhatWasRead) {
 TEST_F(Faults, TheEndOfTheFileInsideAHeaderIsTheScanners) {
     EXPECT_FALSE(Read("obj suf o"));
     EXPECT_FALSE(Read("atr a"));
-    EXPECT_EQ(warnings, (Lines{"t.suf  1 : エンドオブファイルになりました。   next token=",
+    EXPECT_EQ(messages, (Lines{"t.suf  1 : エンドオブファイルになりました。   next token=",
                                "t.suf  1 : エンドオブファイルになりました。   next token="}));
 }
 
 TEST_F(Faults, AnOpenCommentReachesToTheEndOfTheFile) {
     EXPECT_FALSE(Read("obj suf o {\n" + GOOD + "/* no end\n\n"));
-    EXPECT_EQ(warnings, Lines{"t.suf  5 : エンドオブファイルになりました   next token="});
+    EXPECT_EQ(messages, Lines{"t.suf  5 : エンドオブファイルになりました   next token="});
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
 TEST_F(Faults, AnObjectWithoutItsBraceEndsWhereTheNextBlockBegins) {
     EXPECT_FALSE(Read("obj suf o {\n" + GOOD + Block(GOOD, "p") + "obj suf q {\n" + GOOD +
                       "atr b { col ( 0.25 ) }\n"));
-    EXPECT_EQ(warnings, (Lines{"t.suf  3 :  } がありません。   next token=obj",
+    EXPECT_EQ(messages, (Lines{"t.suf  3 :  } がありません。   next token=obj",
                                "t.suf  8 :  } がありません。   next token=atr"}));
     EXPECT_EQ(Polygons().size(), 3U);
     EXPECT_EQ(AttrTable[AttrFind("b")].col.red, 1024);
@@ -177,14 +177,14 @@ TEST_F(Faults, FilesThatCannotBeOpenedAreNamed) {
         EXPECT_FALSE(ReadShapeFile(name, 1));
         EXPECT_FALSE(ReadAttributeFile(name, 1));
     }
-    ASSERT_EQ(warnings.size(), 10U);
-    EXPECT_EQ(warnings[0], "none.suf  1 : ファイル none.suf がオープンできません。   next token=");
+    ASSERT_EQ(messages.size(), 10U);
+    EXPECT_EQ(messages[0], "none.suf  1 : ファイル none.suf がオープンできません。   next token=");
 }
 
 TEST_F(Faults, TheEscapeKeyEndsTheRead) {
     ReaderSetCancelCheck([] { return true; });
     EXPECT_FALSE(Read(Block(GOOD)));
-    EXPECT_EQ(warnings, Lines{"t.suf  1 :  ESC キーが押されました。   next token=obj"});
+    EXPECT_EQ(messages, Lines{"t.suf  1 :  ESC キーが押されました。   next token=obj"});
     EXPECT_EQ(Polygons().size(), 0U);
 }
 
@@ -208,8 +208,8 @@ TEST_F(Faults, ADamagedFileShowsTwoHundredMessagesAndCountsTheRest) {
         text += "prim poly ( 1 )\n";
     }
     EXPECT_FALSE(Read(Block(text + GOOD)));
-    ASSERT_EQ(warnings.size(), 201U);
-    EXPECT_EQ(warnings[200], "ほかに 800 個のメッセージがあります。");
+    ASSERT_EQ(messages.size(), 201U);
+    EXPECT_EQ(messages[200], "ほかに 800 個のメッセージがあります。");
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
@@ -219,7 +219,7 @@ TEST_F(Faults, CodesWithoutAMessageSayWhichReaderGaveThem) {
     EXPECT_EQ(AttributeReport(99), 20);
     EXPECT_EQ(ScannerReport(99), 20);
     EXPECT_EQ(DesignReport(16), 20);
-    EXPECT_EQ(warnings, (Lines{"  1 : エラーコードの誤り。( objread )   next token=",
+    EXPECT_EQ(messages, (Lines{"  1 : エラーコードの誤り。( objread )   next token=",
                                "  1 : エラーコードの誤り。( atrread )   next token=",
                                "  1 : エラーコードの誤り。( scanner )   next token=",
                                "  1 : エラーコードの誤り。( objread )   next token="}));
@@ -230,7 +230,7 @@ TEST_F(Faults, TheSecondKindOfModelShowsThePolygonMessageForItsOwn) {
     EXPECT_EQ(DesignReport(13), 10);
     EXPECT_EQ(DesignReport(11, "obj"), 10);
     EXPECT_EQ(DesignReport(21), 20);
-    EXPECT_EQ(warnings, (Lines{"  1 : 多角形の頂点が２つ以下しかありません。   next token=",
+    EXPECT_EQ(messages, (Lines{"  1 : 多角形の頂点が２つ以下しかありません。   next token=",
                                "  1 :  obj がありません。   next token=",
                                "  1 : エンドオブファイルになりました   next token="}));
 }
@@ -238,7 +238,7 @@ TEST_F(Faults, TheSecondKindOfModelShowsThePolygonMessageForItsOwn) {
 TEST_F(Faults, ExhaustedMemoryHasItsMessage) {
     ReaderBegin();
     EXPECT_EQ(ScannerReport(SCANNER_MEMORY), SEVERITY_END);
-    EXPECT_EQ(warnings, Lines{"  1 : メモリが足りません。   next token="});
+    EXPECT_EQ(messages, Lines{"  1 : メモリが足りません。   next token="});
 }
 
 TEST_F(Faults, NumbersKeepTheirDecimalPointInEveryLocale) {
@@ -260,11 +260,11 @@ TEST_F(Faults, EveryTruncationOfAFileEndsWithAMessageOrAWholeModel) {
             "256 7 8 0 0 0 256 )\nparts none mov ( 1 2 3 ) rotx ( 90 ) /* c */\n}\n")
             .value();
     for (std::size_t size = 0; size < text.size(); ++size) {
-        warnings.clear();
+        messages.clear();
         Put("t.suf", text.substr(0, size));
         const bool good = ReadShapeFile("t.suf", 1);
-        EXPECT_TRUE(good || !warnings.empty()) << size;
-        warnings.clear();
+        EXPECT_TRUE(good || !messages.empty()) << size;
+        messages.clear();
         ReadAttributeFile("t.suf", 1);
     }
 }
@@ -274,7 +274,7 @@ TEST_F(Faults, ALineOfMegabytesIsNoTrouble) {
     EXPECT_FALSE(Read(std::string(5'000'000, '{')));
     EXPECT_FALSE(Read("obj suf o {" + std::string(5'000'000, '(')));
     EXPECT_FALSE(Read("obj suf o { atr a prim poly ( " + std::string(5'000'000, '9')));
-    EXPECT_LT(warnings.size(), 10U);
+    EXPECT_LT(messages.size(), 10U);
 }
 
 TEST_F(Faults, NulBytesAreBlanks) {

@@ -9,7 +9,7 @@ using ObjectBlocks = ReaderTest;
 TEST_F(ObjectBlocks, APolygonArrivesSelectedWithItsAttributeObjectAndPlaneNormal) {
     EXPECT_TRUE(
         Read("obj suf box {\natr red\nprim\tpoly\t(\t0\t0\t0\n\t\t \t100\t0\t0\n\t\t \t0\t100\t0 )\n\n}\n"));
-    EXPECT_EQ(warnings, Lines{});
+    EXPECT_EQ(messages, Lines{});
     ASSERT_EQ(Polygons().size(), 1U);
     const PolygonRecord& p = *Polygons()[0];
     EXPECT_EQ(p.select, 1);
@@ -58,7 +58,7 @@ TEST_F(ObjectBlocks, AnAttributeLineHoldsUntilTheNext) {
 
 TEST_F(ObjectBlocks, PolygonsBeforeAnyAttributeLineGetNoWithOneWarningABlock) {
     EXPECT_TRUE(Read(Block(TRIANGLE + TRIANGLE) + Block(TRIANGLE, "p")));
-    EXPECT_EQ(warnings, (Lines{"t.suf  2 : atr no があります。   next token=)",
+    EXPECT_EQ(messages, (Lines{"t.suf  2 : atr no があります。   next token=)",
                                "t.suf  6 : atr no があります。   next token=)"}));
     EXPECT_EQ(AttributeOf(Polygons()[0]), "no");
     EXPECT_EQ(Polygons()[2]->attr, Polygons()[0]->attr);
@@ -96,7 +96,7 @@ TEST_F(ObjectBlocks, ANameWithoutExtensionGetsSuf) {
 TEST_F(ObjectBlocks, CommentsAreBlanks) {
     EXPECT_TRUE(Read(
         "/* a \n model */ obj suf o { /**/atr a/* x */prim poly(/*1*/0 0 0/*2*/ 1 0 0 0/* */1 0/* ) */)}"));
-    EXPECT_EQ(warnings, Lines{});
+    EXPECT_EQ(messages, Lines{});
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
@@ -121,7 +121,7 @@ TEST_F(ObjectBlocks, CoordinatesBeyondTheRangeAreLimitedWithOneWarningAFile) {
     EXPECT_EQ(v[1].x, 32767);
     EXPECT_EQ(v[1].y, -32767);
     EXPECT_EQ(v[1].z, 32767);
-    EXPECT_EQ(warnings, Lines{"t.suf  2 : 警告：座標が範囲を越えたので制限しました。   next token=)"});
+    EXPECT_EQ(messages, Lines{"t.suf  2 : 警告：座標が範囲を越えたので制限しました。   next token=)"});
 }
 
 TEST_F(ObjectBlocks, AFileWithAByteOrderMarkIsUtf8) {
@@ -134,7 +134,7 @@ TEST_F(ObjectBlocks, AFileWithAByteOrderMarkIsUtf8) {
 TEST_F(ObjectBlocks, SecondBytesThatLookLikePunctuationBelongToTheirCharacter) {
     // The second byte of 表 is a backslash, of ボ '{', of マ '}'.
     EXPECT_TRUE(Read(Block("atr 表 " + TRIANGLE, "ボマ")));
-    EXPECT_EQ(warnings, Lines{});
+    EXPECT_EQ(messages, Lines{});
     EXPECT_EQ(Cp932ToUtf8(ObjTable[0].name), "ボマ");
 }
 
@@ -147,7 +147,7 @@ TEST_F(ObjectBlocks, AHalfDoubleByteCharacterDoesNotSwallowTheBlankBehindIt) {
 TEST_F(ObjectBlocks, ReservedWordsAndNumbersMayBeNames) {
     EXPECT_TRUE(
         Read("atr red { col ( 0.50 ) }" + Block("atr red " + TRIANGLE + "atr 12 " + TRIANGLE, "light")));
-    EXPECT_EQ(warnings, Lines{});
+    EXPECT_EQ(messages, Lines{});
     EXPECT_EQ(AttributeOf(Polygons()[0]), "red");
     EXPECT_EQ(AttributeOf(Polygons()[1]), "12");
 }
@@ -171,7 +171,7 @@ TEST_F(ObjectBlocks, PolygonsFillTheBufferToItsEndAndThenOneMessageIsShown) {
     Model(10 * 72 + 4);
     EXPECT_FALSE(Read(Block(text) + Block(text, "p")));
     EXPECT_EQ(Polygons().size(), 10U);
-    EXPECT_EQ(warnings, Lines{"データバッファがオーバフローしました(BufferAppend)"});
+    EXPECT_EQ(messages, Lines{"データバッファがオーバフローしました(BufferAppend)"});
     EXPECT_EQ(ObjLast, 0);
 }
 
@@ -179,14 +179,14 @@ TEST_F(ObjectBlocks, AFullAttributeTableEndsTheReadWithOneMessage) {
     Model(1 << 20, 16, 1);
     EXPECT_FALSE(Read(Block("atr a " + TRIANGLE + "atr b " + TRIANGLE + "atr c " + TRIANGLE)));
     EXPECT_EQ(Polygons().size(), 1U);
-    EXPECT_EQ(warnings, Lines{"アトリビュートバッファがオーバーフローしました"});
+    EXPECT_EQ(messages, Lines{"アトリビュートバッファがオーバーフローしました"});
 }
 
 TEST_F(ObjectBlocks, AFullObjectTableEndsTheReadWithOneMessage) {
     Model(1 << 20, 1, 16);
     EXPECT_FALSE(Read(Block("atr a " + TRIANGLE) + Block("atr a " + TRIANGLE, "p") + Block("", "q")));
     EXPECT_EQ(Polygons().size(), 1U);
-    EXPECT_EQ(warnings, Lines{"オブジェクトバッファがオーバーフローしました"});
+    EXPECT_EQ(messages, Lines{"オブジェクトバッファがオーバーフローしました"});
 }
 
 TEST_F(ObjectBlocks, EverySampleReadsWithoutAMessage) {
@@ -205,7 +205,7 @@ TEST_F(ObjectBlocks, EverySampleReadsWithoutAMessage) {
         EXPECT_TRUE(ReadShapeFile(name, 0)) << name;
         EXPECT_EQ(Polygons().size() - there, count) << name;
     }
-    EXPECT_EQ(warnings, Lines{});
+    EXPECT_EQ(messages, Lines{});
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A model store, a temporary folder that is the current directory, and the warnings of a read.
+// A model store, a temporary folder that is the current directory, and the messages of a read.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@
 
 namespace quelmark::test {
 
-inline std::vector<std::string> warnings;  // UTF-8
+inline std::vector<std::string> messages;  // UTF-8
 
 class ReaderTest : public testing::Test {
   protected:
@@ -28,10 +28,10 @@ class ReaderTest : public testing::Test {
     std::filesystem::path before;
 
     void SetUp() override {
-        warnings.clear();
+        messages.clear();
         SetErrorHandlers([](std::string_view) { throw ScriptAbort{}; },
                          [](std::string_view text) {
-                             warnings.push_back(Cp932ToUtf8(text));
+                             messages.push_back(Cp932ToUtf8(text));
                              return 0;
                          });
         char name[] = "/tmp/quelmark-test-XXXXXX";

@@ -182,8 +182,7 @@ TEST_F(Reader, AttributeFaults) {
     EXPECT_EQ(Read("atr x { col ( foo ) }"), "t.suf  1 : 色情報がおかしい。   next token=foo\n");
     EXPECT_EQ(Read("atr x { light }"), "t.suf  1 :  light はサポートしていません。   next token=light\n");
     EXPECT_EQ(Read("atr x col"), "t.suf  1 :  { がありません。   next token=col\n");
-    EXPECT_EQ(Read("atr x { col ( 1"),
-              "t.suf  1 : エンドオブファイルになりました   next token=\n");
+    EXPECT_EQ(Read("atr x { col ( 1"), "t.suf  1 : エンドオブファイルになりました   next token=\n");
     EXPECT_EQ(Read("atr x { q }"), "t.suf  1 :  q が存在します。   next token=q\n");
 }
 TEST_F(Reader, HsvColours) {
