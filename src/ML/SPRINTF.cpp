@@ -17,7 +17,7 @@ constexpr std::int32_t FIELD_MOST = 4095;
     RuntimeError("%d番目の引数の型が不正です(String:sprintf)"_sjis, number);
 }
 
-// A conversion specification: the flags as written, width and precision cut to FIELD_MOST.
+// A conversion directive: the flags as written, width and precision cut to FIELD_MOST.
 struct Conversion {
     std::string flags;
     std::int32_t width = 0;
@@ -52,7 +52,7 @@ Conversion ReadConversion(std::string_view format, std::size_t& at) {
     return conversion;
 }
 
-std::string Specification(const Conversion& conversion) {
+std::string Directive(const Conversion& conversion) {
     std::string text = "%";
     text += conversion.flags;
     if (conversion.width > 0) {
@@ -87,7 +87,7 @@ void AppendConverted(std::string& out, const Conversion& conversion, std::int32_
                      const DataCell* argument) {
     const std::string_view integers = "diuoxXc";
     const std::string_view reals = "eEfFgG";
-    const std::string specification = Specification(conversion);
+    const std::string directive = Directive(conversion);
     if (conversion.letter == 's') {
         if (argument == nullptr || !IsString(*argument)) {
             ReportArgument(number);
@@ -99,14 +99,14 @@ void AppendConverted(std::string& out, const Conversion& conversion, std::int32_
         }
         const std::int32_t value = CellInteger(*argument);
         AppendPrinted(out, [&](char* buffer, std::size_t room) {
-            return std::snprintf(buffer, room, specification.c_str(), value);
+            return std::snprintf(buffer, room, directive.c_str(), value);
         });
     } else if (conversion.letter != '\0' && reals.find(conversion.letter) != std::string_view::npos) {
         if (argument == nullptr || (argument->type & TYPE_NUMBER) == 0) {
             ReportArgument(number);
         }
         AppendPrinted(out, [&](char* buffer, std::size_t room) {
-            return FormatReal(buffer, room, specification.c_str(), CellNumber(*argument));
+            return FormatReal(buffer, room, directive.c_str(), CellNumber(*argument));
         });
     } else {
         ReportArgument(number);

@@ -42,8 +42,8 @@ std::int32_t AttrSearchOrAlloc(std::string_view name);
 void AttributeRegister();
 // False when a polygon uses it. Higher numbers fall by one.
 bool AttrDelete(std::int32_t attribute);
-// Writes an attribute into a shape file; mode 1 appends. False when the slot is unused, the file cannot be opened (with
-// a warning) or not written whole.
+// Writes an attribute into a shape file; mode 1 appends. False when the slot is unused, the file cannot be
+// opened (with a warning) or not written whole.
 bool AttrWrite(std::string_view fileName, std::int32_t atrno, std::int32_t mode);
 // The drawing colour that follows a surface colour: a bit for each component above 2457 (0.6).
 std::uint16_t AttrCodeOfColour(const ColourTriple& colour);
