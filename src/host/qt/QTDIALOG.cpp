@@ -24,13 +24,16 @@ namespace {
 using TakeAnswer = std::function<void()>;
 
 QLabel* AddLabel(QHBoxLayout& line, const std::string& text) {
-    auto* label = new QLabel(ToText(text));
+    auto* label = new QLabel;
+    label->setTextFormat(Qt::PlainText);  // "<" in a file name is no markup
+    label->setText(ToText(text));
     line.addWidget(label);
     return label;
 }
 
 void AddBrowseButton(QHBoxLayout& line, QLineEdit* field, const DialogRow& row) {
     auto* button = new QPushButton(QStringLiteral("…"));
+    button->setAutoDefault(false);  // Enter belongs to the accept button
     line.addWidget(button);
     QObject::connect(button, &QPushButton::clicked, field, [field, &row] {
         FileDialog dialog;
@@ -59,7 +62,7 @@ TakeAnswer AddField(QHBoxLayout& line, DialogRow& row) {
 
 TakeAnswer AddToggle(QHBoxLayout& line, DialogRow& row) {
     AddLabel(line, row.label);
-    auto* box = new QCheckBox(ToText(row.caption));
+    auto* box = new QCheckBox(ToLabel(row.caption));
     box->setChecked(row.value != 0);
     line.addWidget(box);
     return [box, &row] { row.value = box->isChecked() ? 1 : 0; };
@@ -127,7 +130,7 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog) {
     auto* buttons = new QHBoxLayout;
     lines->addLayout(buttons);
     for (std::size_t i = 0; i < dialog.buttons.size(); ++i) {
-        auto* button = new QPushButton(ToText(dialog.buttons[i].label));
+        auto* button = new QPushButton(ToLabel(dialog.buttons[i].label));
         button->setAutoDefault(false);
         button->setDefault(i == dialog.acceptButton);
         buttons->addWidget(button);

@@ -10,10 +10,15 @@
 namespace quelmark {
 
 void QtFrame::ShowMenus(const MenuTree& menus) {
+    // Clearing the bar leaves its menus alive. They may be deleted only later: a menu's own script may be
+    // what changes the bar.
     menuBar()->clear();
+    for (QMenu* old : menuBar()->findChildren<QMenu*>(Qt::FindDirectChildrenOnly)) {
+        old->deleteLater();
+    }
     for (std::size_t position = 0; position < menus.size(); ++position) {
         const MenuColumn& column = menus[position];
-        auto* menu = new QMenu(ToText(column.title), menuBar());
+        auto* menu = new QMenu(ToLabel(column.title), menuBar());
         menu->setEnabled(!column.greyed);
         menuBar()->addMenu(menu);
         Fill(*menu, column.entries);
@@ -32,7 +37,7 @@ void QtFrame::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
             menu.addSeparator();
             continue;
         }
-        QAction* action = menu.addAction(ToText(entry.text));
+        QAction* action = menu.addAction(ToLabel(entry.text));
         action->setEnabled(!entry.greyed);
         action->setCheckable(entry.checked);
         action->setChecked(entry.checked);

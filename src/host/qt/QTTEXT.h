@@ -13,4 +13,9 @@ inline QString ToText(std::string_view cp932) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+// The text of a control that would take "&" for the mark of a shortcut letter: shown as it is written.
+inline QString ToLabel(std::string_view cp932) {
+    return ToText(cp932).replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
 }  // namespace quelmark
