@@ -22,7 +22,7 @@ constexpr double FIXED_12 = 4096;
 constexpr double FIXED_16 = 65536;
 
 std::int16_t ToFixed12(double value) {
-    return static_cast<std::int16_t>(std::clamp(RealToInt(value * FIXED_12), -32768, 32767));
+    return static_cast<std::int16_t>(RealToInt(std::clamp(value * FIXED_12, -32768.0, 32767.0)));
 }
 
 ColourTriple Triple(double red, double green, double blue) {
