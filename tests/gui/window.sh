@@ -6,7 +6,7 @@ program=$1
 sample=$2
 command -v Xvfb >/dev/null && command -v xdotool >/dev/null && command -v import >/dev/null || { echo "Xvfb, xdotool or import is missing"; exit 77; }
 folder=$(mktemp -d)
-Xvfb -displayfd 3 -screen 0 1400x1000x24 3>"$folder/display" 2>/dev/null &
+Xvfb -displayfd 3 -noreset -screen 0 1400x1000x24 3>"$folder/display" 2>/dev/null &
 server=$!
 trap 'kill $server 2>/dev/null; rm -rf "$folder"' EXIT
 for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
