@@ -63,6 +63,13 @@ std::int32_t WriteAttribute(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
+// The whole model, or its selected part, in one shape file.
+std::int32_t WriteModel(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const bool selectedOnly = argc > 1 && argv[1].integer != 0;
+    StackPushBool(IsString(argv[0]) && SaveBlock(NameOf(argv[0]), ModelText(selectedOnly), FILE_OVERWRITE));
+    return RESULT;
+}
+
 std::int32_t WriteFrame(std::int32_t, std::int32_t argc, DataCell* argv) {
     constexpr const char* TYPE_MESSAGE = "%d番目の引数の型不正です(WriteFrame)"_sjis;
     if (argc > 3 && !IsVector(argv[3])) {
@@ -93,6 +100,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "WriteFile", Write, Takes("WriteFile", {TYPE_INT, TYPE_INT}, 1)},
     {"", "ObjWriteFile", Write, Takes("ObjWriteFile", {TYPE_INT, TYPE_INT}, 1)},
     {"String", "AttrWriteFile", WriteAttribute, Takes("AttrWriteFile", {TYPE_OBJECT, TYPE_INT, TYPE_INT}, 2)},
+    {"String", "WriteModel", WriteModel, Takes("WriteModel", {TYPE_OBJECT, TYPE_FLAG}, 1)},
     {"Matrix", "WriteFrame", WriteFrame,
      Takes("WriteFrame", {TYPE_OBJECT, TYPE_OBJECT, TYPE_OBJECT, TYPE_OBJECT}, 3)},
 };

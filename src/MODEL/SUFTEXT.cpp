@@ -1,8 +1,10 @@
 #include "MODEL/SUFTEXT.h"
 
 #include <charconv>
+#include <vector>
 
 #include "ML/ERROR.h"
+#include "MODEL/OBJ.h"
 #include "MODEL/POLY.h"
 #include "text/savefile.h"
 #include "text/sjis.h"
@@ -99,6 +101,37 @@ void AppendPolygon(std::string& text, const PolygonRecord& polygon) {
     text += " )\n\n";
 }
 
+// ---- objects ----
+
+bool IsObject(std::int32_t object) {
+    return 0 <= object && object < ObjectTableSize && ObjTable[object].used != 0;
+}
+
+template <typename Visit>
+void ForEachPolygon(Visit visit) {
+    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
+        visit(static_cast<const PolygonRecord&>(*polygon));
+    }
+}
+
+// The polygons that are wanted, in model order, as a block of this name.
+template <typename Wanted>
+void AppendObject(std::string& text, std::string_view name, Wanted wanted) {
+    text.append("obj suf ").append(name).append(" {\n");
+    std::int32_t attribute = -1;
+    ForEachPolygon([&](const PolygonRecord& polygon) {
+        if (!wanted(polygon)) {
+            return;
+        }
+        if (polygon.attr != attribute) {
+            attribute = polygon.attr;
+            text.append("atr ").append(AttributeName(polygon.attr)).append("\n");
+        }
+        AppendPolygon(text, polygon);
+    });
+    text += "}\n";
+}
+
 }  // namespace
 
 std::string AttributeText(const AttributeRecord& attribute) {
@@ -126,21 +159,44 @@ std::string AttributeText(const AttributeRecord& attribute) {
 }
 
 std::string ObjectText(std::string_view name) {
-    std::string text = "obj suf ";
-    text.append(name).append(" {\n");
-    std::int32_t attribute = -1;
-    for (const PolygonRecord* polygon = PolygonTop(); polygon != nullptr;
-         polygon = PolygonNext(const_cast<PolygonRecord*>(polygon))) {
-        if (polygon->select != 1) {
-            continue;
+    std::string text;
+    AppendObject(text, name, [](const PolygonRecord& polygon) { return polygon.select == 1; });
+    return text;
+}
+
+std::string ModelText(bool selectedOnly) {
+    const auto wanted = [selectedOnly](const PolygonRecord& polygon) {
+        return !selectedOnly || polygon.select == 1;
+    };
+    std::vector<std::int32_t> ofObject(static_cast<std::size_t>(ObjectTableSize));
+    std::vector<bool> usesAttribute(static_cast<std::size_t>(AttributeCount));
+    std::int32_t ofNone = 0;
+    ForEachPolygon([&](const PolygonRecord& polygon) {
+        if (!wanted(polygon)) {
+            return;
         }
-        if (polygon->attr != attribute) {
-            attribute = polygon->attr;
-            text.append("atr ").append(AttributeName(polygon->attr)).append("\n");
+        ++(IsObject(polygon.obj) ? ofObject[static_cast<std::size_t>(polygon.obj)] : ofNone);
+        if (0 <= polygon.attr && polygon.attr < AttributeCount) {
+            usesAttribute[static_cast<std::size_t>(polygon.attr)] = true;
         }
-        AppendPolygon(text, *polygon);
+    });
+    std::string text;
+    for (std::int32_t i = 0; i < AttributeCount; ++i) {
+        if (AttrTable[i].used != 0 && (!selectedOnly || usesAttribute[static_cast<std::size_t>(i)])) {
+            text += AttributeText(AttrTable[i]);
+        }
     }
-    return text + "}\n";
+    for (std::int32_t i = 0; i < ObjectTableSize; ++i) {
+        if (IsObject(i) && (!selectedOnly || ofObject[static_cast<std::size_t>(i)] > 0)) {
+            AppendObject(text, ObjTable[i].name,
+                         [&](const PolygonRecord& polygon) { return wanted(polygon) && polygon.obj == i; });
+        }
+    }
+    if (ofNone > 0 || text.empty()) {
+        AppendObject(text, "no",
+                     [&](const PolygonRecord& polygon) { return wanted(polygon) && !IsObject(polygon.obj); });
+    }
+    return text;
 }
 
 std::string FrameText(const Matrix& matrix, std::string_view object, const Vector& background,

@@ -14,12 +14,15 @@ namespace quelmark {
 std::string AttributeText(const AttributeRecord& attribute);
 // The selected polygons, whatever their object, as a block of this name.
 std::string ObjectText(std::string_view name);
+// Every attribute, then every object with its own polygons; polygons whose number names no object are in a block "no".
+// With selectedOnly the selected polygons, their attributes and their objects alone.
+std::string ModelText(bool selectedOnly);
 // A one-frame scene that places the shape `object` by the matrix. `background` is red, green, blue, 1.0 at
 // most bright; black is left out. `angle` is the eye's, in degrees.
 std::string FrameText(const Matrix& matrix, std::string_view object, const Vector& background,
                       std::int32_t angle);
 
-inline constexpr std::int32_t FILE_APPEND = 1;
+inline constexpr std::int32_t FILE_OVERWRITE = 0, FILE_APPEND = 1;
 // Puts a block into a file: mode FILE_APPEND adds it, every other replaces the file. False, with the warning
 // "ファイルがオープンできません", when it cannot be opened; false when not all could be written.
 bool SaveBlock(std::string_view fileName, std::string_view text, std::int32_t mode);

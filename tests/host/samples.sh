@@ -30,7 +30,7 @@ key i
 key v
 key KEY_LEFT
 size 700 500
-key q
+key 17
 EOF
 for sample in "$samples"/*.suf; do
     name=$(basename "$sample")
