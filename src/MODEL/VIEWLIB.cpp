@@ -68,20 +68,31 @@ std::int32_t CursorToVector(std::int32_t, std::int32_t, DataCell* argv) {
     return RESULT;
 }
 
-std::int32_t Cursor2D(std::int32_t, std::int32_t, DataCell* argv) {
-    if (ArrayCount(argv[0]) < 2) {
+// Stores a pane point's place in the perspective view, from its middle, as 16.16 fractions of its width.
+void StorePers2D(const DataCell& array, PanePoint p) {
+    if (ArrayCount(array) < 2) {
         RuntimeError("%s", "引数配列のサイズが不正です。( Get2DCursor )"_sjis);
     }
     const ViewRecord& view = Views[ViewIndex(WIN_PERS)];
-    const EyePoint eye = ViewToEye(CursorPosition());
-    const PanePoint p = eye.x >= 1 ? ViewProjectEye(eye) : PanePoint{view.centreX, view.centreY};
     const std::int64_t width = view.width > 0 ? view.width : 1;
     const auto fraction = [width](std::int64_t pixels) {
         return static_cast<std::int32_t>(pixels * 65536 / width);
     };
-    DataCell* elements = ArrayElements(argv[0]);
+    DataCell* elements = ArrayElements(array);
     CellAssign(elements[0], IntCell(fraction(p.x - view.left - view.width / 2)));
     CellAssign(elements[1], IntCell(fraction(-(p.y - view.top - view.height / 2))));
+}
+
+std::int32_t Cursor2D(std::int32_t, std::int32_t, DataCell* argv) {
+    const ViewRecord& view = Views[ViewIndex(WIN_PERS)];
+    const EyePoint eye = ViewToEye(CursorPosition());
+    StorePers2D(argv[0], eye.x >= 1 ? ViewProjectEye(eye) : PanePoint{view.centreX, view.centreY});
+    return NO_RESULT;
+}
+
+// The pointer's place, as SelectPers wants it.
+std::int32_t Mouse2D(std::int32_t, std::int32_t, DataCell* argv) {
+    StorePers2D(argv[0], PanePoint{Input.x, Input.y});
     return NO_RESULT;
 }
 
@@ -317,6 +328,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"Vertex", "Cursor", CursorToVertex, Takes("Cursor", {TYPE_OBJECT})},
     {"Vector", "Cursor", CursorToVector, Takes("Cursor", {TYPE_OBJECT})},
     {"", "Cursor2D", Cursor2D, Takes("Cursor2D", {TYPE_ARRAY})},
+    {"", "Mouse2D", Mouse2D, Takes("Mouse2D", {TYPE_ARRAY})},
     {"", "Update", Update, Takes("Update", {TYPE_FLAG, TYPE_INT}, 1)},
     {"", "UpdatePers", UpdatePers, Takes("UpdatePers", {TYPE_FLAG})},
     {"", "DrawCurrent", DrawCurrent, Takes("DrawCurrent", {TYPE_FLAG}, 0)},
