@@ -32,6 +32,9 @@ key KEY_LEFT
 size 700 500
 key 17
 EOF
+# The scripts keep their settings in the configuration: the session gets one of its own.
+mkdir "$folder/home"
+cp "$(dirname "$program")/Quelmark.ini" "$folder/home"
 for sample in "$samples"/*.suf; do
     name=$(basename "$sample")
     wanted=$(sed -n "s/^| \`$name\` | \([0-9,]*\) |.*/\1/p" "$samples/README.md" | tr -d ,)
@@ -40,7 +43,7 @@ for sample in "$samples"/*.suf; do
         echo "$name: wanted 1 $wanted, got $got"
         failures=1
     fi
-    output=$(QUELMARKINPUT="$folder/session.input" "$program" "$sample" | iconv -f CP932 -t UTF-8)
+    output=$(HOME="$folder/home" QUELMARKINPUT="$folder/session.input" "$program" "$sample" | iconv -f CP932 -t UTF-8)
     if [[ "$output" != *"選択したポリゴン $wanted "* || "$output" == *Error* ]]; then
         echo "$name with the stock scripts: $output"
         failures=1
