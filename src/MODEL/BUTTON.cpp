@@ -47,6 +47,16 @@ std::int32_t ButtonEnable(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
+// What is shown while the pointer rests on the button.
+std::int32_t ButtonTip(std::int32_t, std::int32_t argc, DataCell* argv) {
+    Button* button = ButtonAt(argv[0].integer);
+    if (button != nullptr && argc > 1 && IsString(argv[1])) {
+        button->tip = StringText(argv[1]);
+    }
+    StackPushObject(StringNew(button != nullptr ? button->tip : ""));
+    return RESULT;
+}
+
 constexpr BuiltIn FUNCTIONS[] = {
     {"", "CreateButton", CreateButton,
      Takes("CreateButton", {TYPE_INT, TYPE_INT, TYPE_OBJECT, TYPE_FUNC, TYPE_INT}, 4)},
@@ -54,6 +64,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "ClearButton", ClearButton, Takes("ClearButton", {})},
     {"", "ButtonArea", ButtonArea, Takes("SetButtonArea", {TYPE_INT}, 0)},
     {"", "ButtonEnable", ButtonEnable, Takes("ButtonEnable", {TYPE_INT, TYPE_INT}, 1)},
+    {"", "ButtonTip", ButtonTip, Takes("ButtonTip", {TYPE_INT, TYPE_OBJECT}, 1)},
 };
 
 }  // namespace

@@ -34,11 +34,11 @@ int DigitOf(char character) {
     return character >= 'b' && character <= 'f' ? 0 : -1;
 }
 
-Button* ButtonUnder(std::int32_t x, std::int32_t y) {
+Button* ButtonUnder(std::int32_t x, std::int32_t y, bool enabledOnly) {
     for (Button& button : buttons) {
         const PixelRect face = FaceRect(button);
         const bool hit = x >= face.left && x < face.right && y >= face.top && y < face.bottom;
-        if (button.kind != ButtonKind::Free && (button.state & BUTTON_ENABLE) != 0 && hit) {
+        if (button.kind != ButtonKind::Free && (!enabledOnly || (button.state & BUTTON_ENABLE) != 0) && hit) {
             return &button;
         }
     }
@@ -137,7 +137,7 @@ void ButtonsInvalidate() {
 }
 
 void ButtonPanelPress(std::int32_t x, std::int32_t y) {
-    Button* button = ButtonUnder(x, y);
+    Button* button = ButtonUnder(x, y, true);
     if (button == nullptr) {
         WaitRelease();
         return;
@@ -153,6 +153,11 @@ void ButtonPanelPress(std::int32_t x, std::int32_t y) {
         Show(*button, false);
         CallHandler(handler, {slot});
     }
+}
+
+std::string ButtonTipAt(std::int32_t x, std::int32_t y) {
+    const Button* button = ButtonUnder(x, y, false);
+    return button != nullptr ? button->tip : "";
 }
 
 void ButtonsRelease() {

@@ -30,6 +30,7 @@ struct Button {
     std::string label;
     std::array<std::uint16_t, 16> rows{};
     bool pressed = false;
+    std::string tip;  // shown while the pointer rests on the button
 };
 
 void ButtonsReset();
@@ -47,6 +48,8 @@ void ButtonAreaSet(std::int32_t width);
 void ButtonsInvalidate();
 // A press on the panel at a client point.
 void ButtonPanelPress(std::int32_t x, std::int32_t y);
+// The tip of the button at a client point, enabled or not; "" where there is none.
+std::string ButtonTipAt(std::int32_t x, std::int32_t y);
 // Every button raised (after an error in a handler).
 void ButtonsRelease();
 

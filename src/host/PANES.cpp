@@ -108,13 +108,32 @@ void ScrollWhileHeld(std::int32_t& top, std::int32_t by, std::int32_t last, std:
     }
 }
 
+// The attribute whose name stands in a row, or -1.
+std::int32_t AttributeOfRow(std::int32_t row) {
+    if (row < ATTRIBUTES_FIRST || row >= ATTRIBUTES_FIRST + AttributeRows()) {
+        return -1;
+    }
+    const std::int32_t n = attributeTop + row - ATTRIBUTES_FIRST;
+    return n <= AttrLast && n < AttributeCount && AttrTable[n].used != 0 ? n : -1;
+}
+
+// The object whose name stands in a row, or -1.
+std::int32_t ObjectOfRow(std::int32_t row) {
+    const std::int32_t place = row - (Rows() - OBJECTS_TOP_UP) - 1;
+    if (place < 0 || place >= OBJECT_ROWS) {
+        return -1;
+    }
+    const std::int32_t n = objectTop + place;
+    return n <= ObjLast && n < ObjectTableSize && ObjTable[n].used != 0 ? n : -1;
+}
+
 void PressAttributes(std::int32_t row) {
     if (row == 1 || row >= Rows() - ATTRIBUTES_MARK_UP) {
         return ScrollWhileHeld(attributeTop, row == 1 ? -1 : 1, AttrLast, AttributeRows());
     }
     WaitRelease();
-    const std::int32_t n = attributeTop + row - ATTRIBUTES_FIRST;
-    if (n > AttrLast || n >= AttributeCount || AttrTable[n].used == 0) {
+    const std::int32_t n = AttributeOfRow(row);
+    if (n < 0) {
         return;
     }
     if (PaneEvents.attribute >= 0) {
@@ -131,10 +150,7 @@ void PressObjects(std::int32_t row) {
         return ScrollWhileHeld(objectTop, row == first ? -1 : 1, ObjLast, OBJECT_ROWS);
     }
     WaitRelease();
-    std::int32_t n = objectTop + row - first - 1;
-    if (n > ObjLast || n >= ObjectTableSize || ObjTable[n].used == 0) {
-        n = -1;  // below the last object
-    }
+    const std::int32_t n = ObjectOfRow(row);  // -1 below the last object
     if (PaneEvents.object >= 0) {
         CallHandler(PaneEvents.object, {n});
     } else if (n >= 0) {
@@ -313,6 +329,21 @@ void PanesRefresh() {
 
 void PanesCursorMoved() {
     HostWindow().Invalidate(Pane::List);
+}
+
+std::string PaneTip(std::int32_t x, std::int32_t y) {
+    if (y >= StatusRect().top || x < ButtonsRect().left) {
+        return "";
+    }
+    if (x < ListRect().left) {
+        return ButtonTipAt(x, y);
+    }
+    const std::int32_t row = y / std::max(HostWindow().LineHeight(), 1);
+    if (const std::int32_t n = AttributeOfRow(row); n >= 0) {
+        return AttrTable[n].name;
+    }
+    const std::int32_t n = ObjectOfRow(row);
+    return n >= 0 ? ObjTable[n].name : "";
 }
 
 bool PanePress(std::int32_t x, std::int32_t y) {

@@ -8,6 +8,7 @@
 #include <QInputMethodEvent>
 #include <QPainter>
 #include <QTimer>
+#include <QToolTip>
 #include <QUrl>
 #include <algorithm>
 #include <cstring>
@@ -129,7 +130,19 @@ bool QtWindow::event(QEvent* event) {
         keyPressEvent(static_cast<QKeyEvent*>(event));
         return true;
     }
+    if (event->type() == QEvent::ToolTip) {
+        ShowTip(*static_cast<QHelpEvent*>(event));
+        return true;
+    }
     return QWidget::event(event);
+}
+
+// The pointer rests: the full name of what it is on.
+void QtWindow::ShowTip(const QHelpEvent& event) {
+    const std::string tip = hosted_ ? PaneTip(event.x(), event.y()) : "";
+    // As rich text, so that no name is taken for mark-up.
+    const QString text = "<qt>" + ToText(tip).toHtmlEscaped() + "</qt>";
+    QToolTip::showText(event.globalPos(), tip.empty() ? QString() : text, this);
 }
 
 void QtWindow::TakeShift(Qt::KeyboardModifiers modifiers) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QFont>
+#include <QHelpEvent>
 #include <QImage>
 #include <QRegion>
 #include <QWidget>
@@ -56,6 +57,7 @@ class QtWindow final : public QWidget, public Window {
     void focusOutEvent(QFocusEvent* event) override;
 
   private:
+    void ShowTip(const QHelpEvent& event);
     void TakeMouse(const QMouseEvent& event);
     void TakeButtons(const QMouseEvent& event);
     void TakeShift(Qt::KeyboardModifiers modifiers);
