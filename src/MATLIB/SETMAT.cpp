@@ -264,6 +264,17 @@ constexpr BuiltInOperator OPERATORS[] = {
     {"Matrix", OP_SUBTRACT, AddOrSubtract}, {"Matrix", OP_EQUAL, Equal},   {"Matrix", OP_NOT_EQUAL, Equal},
 };
 
+// With its sign, as the indices go round.
+float Cofactor(const Matrix& m, int i, int j) {
+    const int i1 = (i + 1) % 3, i2 = (i + 2) % 3, j1 = (j + 1) % 3, j2 = (j + 2) % 3;
+    return m.row[i1][j1] * m.row[i2][j2] - m.row[i1][j2] * m.row[i2][j1];
+}
+
+float Determinant(const Matrix& m) {
+    return m.row[0][0] * Cofactor(m, 0, 0) + m.row[0][1] * Cofactor(m, 0, 1) +
+           m.row[0][2] * Cofactor(m, 0, 2);
+}
+
 }  // namespace
 
 void MatrixRegister() {
@@ -300,20 +311,19 @@ Matrix MatrixProduct(const Matrix& a, const Matrix& b) {
     return product;
 }
 
+bool MatrixIsSingular(const Matrix& matrix) {
+    return std::fabs(static_cast<double>(Determinant(matrix))) <= SINGULAR;
+}
+
 Matrix MatrixInverse(const Matrix& m) {
-    const auto cofactor = [&m](int i, int j) {
-        const int i1 = (i + 1) % 3, i2 = (i + 2) % 3, j1 = (j + 1) % 3, j2 = (j + 2) % 3;
-        return m.row[i1][j1] * m.row[i2][j2] - m.row[i1][j2] * m.row[i2][j1];
-    };
-    const float determinant =
-        m.row[0][0] * cofactor(0, 0) + m.row[0][1] * cofactor(0, 1) + m.row[0][2] * cofactor(0, 2);
-    if (std::fabs(static_cast<double>(determinant)) <= SINGULAR) {
+    if (MatrixIsSingular(m)) {
         return m;
     }
+    const float determinant = Determinant(m);
     Matrix inverse;
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 3; ++j) {
-            inverse.row[i][j] = cofactor(j, i) / determinant;
+            inverse.row[i][j] = Cofactor(m, j, i) / determinant;
         }
     }
     for (int j = 0; j < 3; ++j) {

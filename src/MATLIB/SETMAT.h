@@ -21,7 +21,9 @@ void StackPushMatrix(const Matrix& matrix);
 
 // First a, then b.
 Matrix MatrixProduct(const Matrix& a, const Matrix& b);
-// A singular matrix (determinant within ±1e-64 in single precision) is returned as it is.
+// The determinant, in single precision, is within ±1e-64.
+bool MatrixIsSingular(const Matrix& matrix);
+// A singular matrix is returned as it is.
 Matrix MatrixInverse(const Matrix& matrix);
 // A rotation about axis 0, 1 or 2; another axis gives the unit matrix.
 Matrix MatrixRotation(int axis, double degrees);

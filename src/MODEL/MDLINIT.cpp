@@ -7,6 +7,7 @@
 #include "MODEL/EVENT.h"
 #include "MODEL/FILE.h"
 #include "MODEL/MENU.h"
+#include "MODEL/PICK.h"
 #include "MODEL/POLY.h"
 #include "MODEL/SYSLIB.h"
 #include "MODEL/VERSET.h"
@@ -17,6 +18,7 @@ namespace quelmark {
 void ModelLibrariesRegister() {
     MatrixLibraryRegister();
     PolygonRegister();
+    PickLibraryRegister();
     FileLibraryRegister();
     EventRegister();
     ViewLibraryRegister();

@@ -201,17 +201,6 @@ void DrawFlatMarks(const PolygonRecord& polygon, const FlatView& view, std::uint
 
 // ---- the perspective view ----
 
-// The plane normal points to the eye's side of the polygon's plane.
-bool FacesViewer(const PolygonRecord& polygon) {
-    const Matrix& inverse = ViewState.perspectiveInverse;
-    const ModelPoint p = ViewConverted(polygon.vertex[0]);
-    const double towards[3] = {static_cast<double>(inverse.row[3][0]) - p.x,
-                               static_cast<double>(inverse.row[3][1]) - p.y,
-                               static_cast<double>(inverse.row[3][2]) - p.z};
-    return towards[0] * polygon.normal[0] + towards[1] * polygon.normal[1] + towards[2] * polygon.normal[2] >
-           0;
-}
-
 void DrawPerspectiveMarks(const PolygonRecord& polygon, std::uint8_t colour) {
     const auto vertices = polygon.Vertices();
     const auto turned = [](const std::int16_t* n, int column) {
@@ -239,7 +228,7 @@ void DrawPerspectiveMarks(const PolygonRecord& polygon, std::uint8_t colour) {
 }
 
 void DrawPerspectiveOutline(const PolygonRecord& polygon, std::uint8_t colour) {
-    if (ViewState.frontOnly && !FacesViewer(polygon)) {
+    if (ViewState.frontOnly && !ViewFacesViewer(polygon)) {
         return;
     }
     const auto vertices = polygon.Vertices();
@@ -477,7 +466,7 @@ PolygonRecord* ViewPick(std::int32_t x, std::int32_t y, std::int32_t reach) {
     for (PolygonRecord* polygon = view == 0 ? nullptr : PolygonTop(); polygon != nullptr;
          polygon = PolygonNext(polygon)) {
         if ((polygon->flags & POLYGON_INVISIBLE) != 0 ||
-            (view == WIN_PERS && ViewState.frontOnly && !FacesViewer(*polygon))) {
+            (view == WIN_PERS && ViewState.frontOnly && !ViewFacesViewer(*polygon))) {
             continue;
         }
         const auto vertices = polygon->Vertices();

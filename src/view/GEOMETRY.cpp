@@ -195,6 +195,16 @@ PanePoint ViewProjectEye(const EyePoint& point) {
             std::int64_t{Views[3].centreY} - Limit(point.z * f / point.x)};
 }
 
+bool ViewFacesViewer(const PolygonRecord& polygon) {
+    const Matrix& inverse = ViewState.perspectiveInverse;
+    const ModelPoint p = ViewConverted(polygon.vertex[0]);
+    const double towards[3] = {static_cast<double>(inverse.row[3][0]) - p.x,
+                               static_cast<double>(inverse.row[3][1]) - p.y,
+                               static_cast<double>(inverse.row[3][2]) - p.z};
+    return towards[0] * polygon.normal[0] + towards[1] * polygon.normal[1] + towards[2] * polygon.normal[2] >
+           0;
+}
+
 std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth) {
     const std::int32_t view = ViewAt(x, y);
     if (view == 0) {

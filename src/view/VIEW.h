@@ -96,6 +96,8 @@ struct EyePoint {
 EyePoint ViewToEye(const ModelPoint& point);
 // Pane position of an eye-space point with x >= 1.
 PanePoint ViewProjectEye(const EyePoint& point);
+// The polygon's plane normal points to the eye's side of its plane.
+bool ViewFacesViewer(const PolygonRecord& polygon);
 // The model point under a pane point in its view: in an orthographic view the third coordinate is `depth`'s,
 // in the perspective view it lies parallel to the screen at the depth of `depth`. Nothing outside the visible
 // views.
