@@ -43,7 +43,7 @@ void PlaceViews() {
     ViewSetAngle(0);
 }
 
-std::int32_t ConvertedAxis(const FixedMatrix& m, const VertexRecord& v, int axis) {
+std::int32_t ConvertedAxis(const FixedMatrix& m, const ModelPoint& v, int axis) {
     const std::int32_t sum =
         WrapAdd(WrapAdd(WrapMultiply(v.x, m.element[0][axis]), WrapMultiply(v.y, m.element[1][axis])),
                 WrapMultiply(v.z, m.element[2][axis]));
@@ -52,6 +52,73 @@ std::int32_t ConvertedAxis(const FixedMatrix& m, const VertexRecord& v, int axis
 
 std::int32_t Limit(double value) {
     return std::isnan(value) ? 0 : static_cast<std::int32_t>(std::clamp(value, -2147483647.0, 2147483647.0));
+}
+
+std::int64_t LimitPixels(double value) {
+    constexpr auto MOST = static_cast<double>(PANE_MOST);
+    return std::isnan(value) ? 0 : static_cast<std::int64_t>(std::clamp(value, -MOST, MOST));
+}
+
+std::int32_t InRange(double coordinate) {
+    return std::clamp(Limit(coordinate), VERTEX_MIN, VERTEX_MAX);
+}
+
+// A point of three doubles through a matrix, one component.
+double Applied(const double (&p)[3], const Matrix& matrix, int column) {
+    const auto& m = matrix.row;
+    return p[0] * static_cast<double>(m[0][column]) + p[1] * static_cast<double>(m[1][column]) +
+           p[2] * static_cast<double>(m[2][column]) + static_cast<double>(m[3][column]);
+}
+
+// Where the eye is, seen from the model: what both matrices carry to the origin of eye space.
+void PlaceEye() {
+    const auto& shown = ViewState.perspectiveInverse.row[3];
+    const double eye[3] = {shown[0], shown[1], shown[2]};
+    for (int axis = 0; axis < 3; ++axis) {
+        ViewState.eye[axis] =
+            ViewState.converting ? Applied(eye, ViewState.conversionInverse, axis) : eye[axis];
+    }
+}
+
+// The nearest multiple of the snap, halves away from zero; no multiple beyond the coordinate range.
+std::int32_t Snapped(std::int32_t value, std::int32_t snap) {
+    if (snap < 2) {
+        return value;
+    }
+    const std::int64_t shifted = std::int64_t{value} + (value < 0 ? -(snap / 2) : snap / 2);
+    const std::int64_t multiple = shifted / snap * snap;
+    return static_cast<std::int32_t>(multiple > VERTEX_MAX   ? multiple - snap
+                                     : multiple < VERTEX_MIN ? multiple + snap
+                                                             : multiple);
+}
+
+// A display point as a model point: through the inverse of the conversion, to the nearest.
+ModelPoint Unconverted(const double (&p)[3]) {
+    if (!ViewState.converting) {
+        return {InRange(p[0]), InRange(p[1]), InRange(p[2])};
+    }
+    const auto axis = [&p](int i) {
+        return InRange(std::nearbyint(Applied(p, ViewState.conversionInverse, i)));
+    };
+    return {axis(0), axis(1), axis(2)};
+}
+
+// The display point under a pane point of the perspective view at the depth of another; nothing when that one
+// is behind the eye.
+bool EyePointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth, double (&point)[3]) {
+    const double eyeX = ViewToEye(depth).x;
+    if (!(eyeX >= 1) || ViewState.focalDistance == 0) {
+        return false;
+    }
+    const double scale = eyeX / ViewState.focalDistance;
+    const double eye[3] = {eyeX, (Views[3].centreX - x) * scale, (Views[3].centreY - y) * scale};
+    for (int axis = 0; axis < 3; ++axis) {
+        point[axis] = Applied(eye, ViewState.perspectiveInverse, axis);
+        if (!ViewState.converting) {
+            point[axis] = std::nearbyint(point[axis]);
+        }
+    }
+    return true;
 }
 
 }  // namespace
@@ -73,14 +140,14 @@ void ViewInit() {
     for (ViewRecord& view : Views) {
         view = ViewRecord{};
     }
-    OverlayReset();
+    OverlayInit();
     ViewEnableDrawing(false);
     ViewLayout(1, 1, 0);
 }
 
 void ViewExit() {
     ViewEnableDrawing(false);
-    OverlayReset();
+    OverlayInit();
     ViewFrame = FrameBuffer{};
 }
 
@@ -88,6 +155,7 @@ void ViewLayout(std::int32_t width, std::int32_t height, std::int32_t lineHeight
     paneWidth = std::clamp(width, 1, SIZE_MOST);
     paneHeight = std::clamp(height, 1, SIZE_MOST);
     statusHeight = lineHeight + STATUS_MARGIN;
+    const OverlayPause pause;
     ViewFrame.Resize(paneWidth, paneHeight);
     PlaceViews();
     FillRect(ViewFrame, ViewFrame.Bounds(), COLOUR_BACKGROUND);
@@ -96,6 +164,7 @@ void ViewLayout(std::int32_t width, std::int32_t height, std::int32_t lineHeight
 }
 
 void ViewSetMask(std::int32_t mask) {
+    const OverlayPause pause;
     VisibleViews = mask & WIN_ALL;
     PlaceViews();
     FillRect(ViewFrame, ViewFrame.Bounds(), COLOUR_BACKGROUND);
@@ -152,25 +221,40 @@ std::int32_t ViewSetAngle(std::int32_t angle) {
 void ViewSetPerspective(const Matrix& matrix) {
     ViewState.perspective = matrix;
     ViewState.perspectiveInverse = MatrixInverse(matrix);
+    PlaceEye();
 }
 
 void ViewSetConversion(const Matrix& matrix) {
     ViewState.conversion = MatrixToFixed(matrix);
+    ViewState.conversionInverse = MatrixInverse(matrix);
     ViewState.converting = true;
+    PlaceEye();
+}
+
+ModelPoint ViewConverted(const ModelPoint& point) {
+    if (!ViewState.converting) {
+        return point;
+    }
+    const FixedMatrix& m = ViewState.conversion;
+    return {ConvertedAxis(m, point, 0), ConvertedAxis(m, point, 1), ConvertedAxis(m, point, 2)};
 }
 
 ModelPoint ViewConverted(const VertexRecord& vertex) {
-    if (!ViewState.converting) {
-        return {vertex.x, vertex.y, vertex.z};
-    }
-    const FixedMatrix& m = ViewState.conversion;
-    return {ConvertedAxis(m, vertex, 0), ConvertedAxis(m, vertex, 1), ConvertedAxis(m, vertex, 2)};
+    return ViewConverted(ModelPoint{vertex.x, vertex.y, vertex.z});
+}
+
+bool ViewFacesViewer(const PolygonRecord& polygon) {
+    const VertexRecord& p = polygon.vertex[0];
+    const double* eye = ViewState.eye;
+    return (eye[0] - p.x) * polygon.normal[0] + (eye[1] - p.y) * polygon.normal[1] +
+               (eye[2] - p.z) * polygon.normal[2] >
+           0;
 }
 
 std::int64_t ViewScaled(std::int32_t coordinate, int axis) {
     const ModelPoint& c = ViewState.centre;
     const std::int64_t difference = std::int64_t{coordinate} - (axis == 0 ? c.x : axis == 1 ? c.y : c.z);
-    return difference * ViewState.numerator / ViewState.denominator;
+    return std::clamp(difference * ViewState.numerator / ViewState.denominator, -PANE_MOST, PANE_MOST);
 }
 
 PanePoint ViewProject(const ModelPoint& point, std::int32_t view) {
@@ -181,63 +265,46 @@ PanePoint ViewProject(const ModelPoint& point, std::int32_t view) {
 }
 
 EyePoint ViewToEye(const ModelPoint& p) {
-    const auto& m = ViewState.perspective.row;
-    const auto axis = [&](int i) {
-        return p.x * static_cast<double>(m[0][i]) + p.y * static_cast<double>(m[1][i]) +
-               p.z * static_cast<double>(m[2][i]) + static_cast<double>(m[3][i]);
-    };
-    return {axis(0), axis(1), axis(2)};
+    const double point[3] = {static_cast<double>(p.x), static_cast<double>(p.y), static_cast<double>(p.z)};
+    return {Applied(point, ViewState.perspective, 0), Applied(point, ViewState.perspective, 1),
+            Applied(point, ViewState.perspective, 2)};
 }
 
 PanePoint ViewProjectEye(const EyePoint& point) {
     const double f = ViewState.focalDistance;
-    return {std::int64_t{Views[3].centreX} - Limit(point.y * f / point.x),
-            std::int64_t{Views[3].centreY} - Limit(point.z * f / point.x)};
+    return {Views[3].centreX - LimitPixels(point.y * f / point.x),
+            Views[3].centreY - LimitPixels(point.z * f / point.x)};
 }
 
-bool ViewFacesViewer(const PolygonRecord& polygon) {
-    const Matrix& inverse = ViewState.perspectiveInverse;
-    const ModelPoint p = ViewConverted(polygon.vertex[0]);
-    const double towards[3] = {static_cast<double>(inverse.row[3][0]) - p.x,
-                               static_cast<double>(inverse.row[3][1]) - p.y,
-                               static_cast<double>(inverse.row[3][2]) - p.z};
-    return towards[0] * polygon.normal[0] + towards[1] * polygon.normal[1] + towards[2] * polygon.normal[2] >
-           0;
-}
-
-std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth) {
+std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth,
+                                      std::int32_t snap) {
     const std::int32_t view = ViewAt(x, y);
     if (view == 0) {
         return std::nullopt;
     }
     const ViewRecord& record = Views[ViewIndex(view)];
-    ModelPoint point = depth;
-    if (view != WIN_PERS) {
-        const auto unscaled = [](std::int32_t pixels, std::int32_t centre) {
-            return Limit(
-                static_cast<double>(centre) +
-                std::trunc(static_cast<double>(pixels) * ViewState.denominator / ViewState.numerator));
-        };
-        const std::int32_t right = x - record.centreX;
-        const std::int32_t up = record.centreY - y;
-        const ModelPoint& c = ViewState.centre;
-        (view == WIN_YZ ? point.y : point.x) = unscaled(right, view == WIN_YZ ? c.y : c.x);
-        (view == WIN_XY ? point.y : point.z) = unscaled(up, view == WIN_XY ? c.y : c.z);
-        return point;
+    const ModelPoint shown = ViewConverted(depth);
+    double point[3] = {static_cast<double>(shown.x), static_cast<double>(shown.y),
+                       static_cast<double>(shown.z)};
+    if (view == WIN_PERS) {
+        if (!EyePointAt(x, y, shown, point)) {
+            return depth;
+        }
+        const ModelPoint p = Unconverted(point);
+        return ModelPoint{Snapped(p.x, snap), Snapped(p.y, snap), Snapped(p.z, snap)};
     }
-    const double eyeX = ViewToEye(depth).x;
-    if (!(eyeX >= 1) || ViewState.focalDistance == 0) {
-        return depth;
-    }
-    const double scale = eyeX / ViewState.focalDistance;
-    const double eye[3] = {eyeX, (record.centreX - x) * scale, (record.centreY - y) * scale};
-    const auto& m = ViewState.perspectiveInverse.row;
-    const auto axis = [&](int i) {
-        return Limit(std::nearbyint(eye[0] * static_cast<double>(m[0][i]) +
-                                    eye[1] * static_cast<double>(m[1][i]) +
-                                    eye[2] * static_cast<double>(m[2][i]) + static_cast<double>(m[3][i])));
+    const auto place = [snap](std::int32_t pixels, std::int32_t centre) {
+        const double units =
+            std::trunc(static_cast<double>(pixels) * ViewState.denominator / ViewState.numerator);
+        const double value = centre + units;
+        return static_cast<double>(Snapped(ViewState.converting ? Limit(value) : InRange(value), snap));
     };
-    return ModelPoint{axis(0), axis(1), axis(2)};
+    const std::int32_t right = x - record.centreX;
+    const std::int32_t up = record.centreY - y;
+    const ModelPoint& c = ViewState.centre;
+    point[view == WIN_YZ ? 1 : 0] = place(right, view == WIN_YZ ? c.y : c.x);
+    point[view == WIN_XY ? 1 : 2] = place(up, view == WIN_XY ? c.y : c.z);
+    return Unconverted(point);
 }
 
 }  // namespace quelmark

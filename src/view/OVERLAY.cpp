@@ -1,112 +1,168 @@
 #include "view/OVERLAY.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <set>
 
-#include "view/DRAW.h"
+#include "view/PERS.h"
 
 namespace quelmark {
 namespace {
 
-struct Item {
-    std::vector<ModelLine> lines;
-    bool pane;  // pane points instead of model points
+enum class Shape : std::uint8_t { ModelLines, ModelMarks, PaneLines };
 
-    friend bool operator==(const Item&, const Item&) = default;
+// The lines in one order, each from its smaller end, so that the same lines drawn the other way round are the
+// same item. A mark is a line without length.
+struct Item {
+    Shape shape;
+    std::vector<ModelLine> lines;
+
+    friend auto operator<=>(const Item&, const Item&) = default;
 };
 
 constexpr std::int32_t CROSS_PIXELS = 8;  // half the perspective cross
 
-std::vector<Item> items;
+std::set<Item> items;  // exclusive-or has no order
 ModelPoint cursor{0, 0, 0};
 bool cursorShown = false;
 int pauses = 0;
 
 struct ScreenLine {
     PanePoint a, b;
-};
-bool SameScreenLine(const ScreenLine& l, const ScreenLine& r) {
-    const auto same = [](const PanePoint& p, const PanePoint& q) { return p.x == q.x && p.y == q.y; };
-    return (same(l.a, r.a) && same(l.b, r.b)) || (same(l.a, r.b) && same(l.b, r.a));
-}
 
-void DrawScreenLines(std::vector<ScreenLine>& lines, const PixelRect& clip, Ink ink) {
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        const auto earlier = lines.begin() + static_cast<std::ptrdiff_t>(i);
-        if (std::none_of(lines.begin(), earlier,
-                         [&](const ScreenLine& l) { return SameScreenLine(l, lines[i]); })) {
-            DrawLine(ViewFrame, clip, lines[i].a, lines[i].b, COLOUR_LINE, ink);
+    friend auto operator<=>(const ScreenLine&, const ScreenLine&) = default;
+};
+
+// One order of lines and of each line's ends, every line once.
+template <typename Line>
+void Normalise(std::vector<Line>& lines, auto Line::*one, auto Line::*other) {
+    for (Line& line : lines) {
+        if (line.*other < line.*one) {
+            std::swap(line.*one, line.*other);
         }
     }
+    std::ranges::sort(lines);
+    lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
+}
+
+Item MakeItem(Shape shape, std::vector<ModelLine> lines) {
+    Normalise(lines, &ModelLine::from, &ModelLine::to);
+    return {shape, std::move(lines)};
+}
+
+PixelRect ViewClip(std::int32_t view) {
+    return Intersection(Views[ViewIndex(view)].Rect(), ViewFrame.Bounds());
+}
+
+// What of a line, or of the marks at its ends, can have changed the frame.
+PixelRect Touched(const ScreenLine& line, const PixelRect& clip) {
+    const auto limit = [](std::int64_t value, std::int32_t low, std::int32_t high) {
+        return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, low, std::max(low, high)));
+    };
+    return {limit(std::min(line.a.x, line.b.x) - 1, clip.left, clip.right),
+            limit(std::min(line.a.y, line.b.y) - 1, clip.top, clip.bottom),
+            limit(std::max(line.a.x, line.b.x) + 2, clip.left, clip.right),
+            limit(std::max(line.a.y, line.b.y) + 2, clip.top, clip.bottom)};
+}
+
+void DrawScreenLines(std::vector<ScreenLine>& lines, const PixelRect& clip, Ink ink, bool marks) {
+    Normalise(lines, &ScreenLine::a, &ScreenLine::b);
+    PixelRect changed{clip.right, clip.bottom, clip.left, clip.top};
+    for (const ScreenLine& line : lines) {
+        if (marks) {
+            DrawMark(clip, line.a, COLOUR_LINE, ink);
+        } else {
+            DrawLine(ViewFrame, clip, line.a, line.b, COLOUR_LINE, ink);
+        }
+        const PixelRect touched = Touched(line, clip);
+        changed = {std::min(changed.left, touched.left), std::min(changed.top, touched.top),
+                   std::max(changed.right, touched.right), std::max(changed.bottom, touched.bottom)};
+    }
+    ViewDamage(changed);
+}
+
+// The screen line of a line in a view; false when it lies behind the eye.
+bool ToScreen(Shape shape, const ModelLine& line, std::int32_t view, ScreenLine& screen) {
+    if (shape == Shape::PaneLines) {
+        screen = {{line.from.x, line.from.y}, {line.to.x, line.to.y}};
+        return true;
+    }
+    if (view == WIN_PERS) {
+        return ProjectEyeLine(ViewToEye(line.from), ViewToEye(line.to), screen.a, screen.b);
+    }
+    screen = {ViewProject(line.from, view), ViewProject(line.to, view)};
+    return true;
 }
 
 void DrawItem(const Item& item, Ink ink) {
+    std::vector<ScreenLine> lines;
     for (std::int32_t view = WIN_XY; view <= WIN_PERS; view <<= 1) {
         if ((VisibleViews & view) == 0) {
             continue;
         }
-        std::vector<ScreenLine> lines;
+        lines.clear();
         for (const ModelLine& line : item.lines) {
             ScreenLine screen{};
-            if (item.pane) {
-                screen = {{line.from.x, line.from.y}, {line.to.x, line.to.y}};
-            } else if (view == WIN_PERS) {
-                if (!ProjectEyeLine(ViewToEye(line.from), ViewToEye(line.to), screen.a, screen.b)) {
-                    continue;
-                }
-            } else {
-                screen = {ViewProject(line.from, view), ViewProject(line.to, view)};
+            if (ToScreen(item.shape, line, view, screen)) {
+                lines.push_back(screen);
             }
-            lines.push_back(screen);
         }
-        DrawScreenLines(lines, Intersection(Views[ViewIndex(view)].Rect(), ViewFrame.Bounds()), ink);
+        DrawScreenLines(lines, ViewClip(view), ink, item.shape == Shape::ModelMarks);
     }
+}
+
+// Draws an item of the overlay, and remembers it, or forgets it when it was there.
+void ToggleItem(Item item) {
+    DrawItem(item, Ink::Xor);
+    const auto [found, isNew] = items.insert(std::move(item));
+    if (!isNew) {
+        items.erase(found);
+    }
+}
+
+void DrawCursorLine(const ScreenLine& line, const PixelRect& clip) {
+    DrawLine(ViewFrame, clip, line.a, line.b, COLOUR_LINE, Ink::Xor);
+    ViewDamage(Touched(line, clip));
+}
+
+// The three axes at the cursor, turned as the view turns them.
+void DrawPerspectiveCross(const EyePoint& eye) {
+    const PanePoint p = ViewProjectEye(eye);
+    const auto& m = ViewState.perspective.row;
+    const auto pixels = [](float part) {
+        return part == part ? static_cast<std::int64_t>(-std::clamp(part, -1.0F, 1.0F) * CROSS_PIXELS) : 0;
+    };
+    std::vector<ScreenLine> lines;
+    for (int axis = 0; axis < 3; ++axis) {
+        const std::int64_t dx = pixels(m[axis][1]);
+        const std::int64_t dy = pixels(m[axis][2]);
+        lines.push_back({{p.x - dx, p.y - dy}, {p.x + dx, p.y + dy}});
+    }
+    DrawScreenLines(lines, ViewClip(WIN_PERS), Ink::Xor, false);
 }
 
 void DrawCursor() {
+    const ModelPoint shown = ViewConverted(cursor);
     for (std::int32_t view = WIN_XY; view <= WIN_ZX; view <<= 1) {
-        if ((VisibleViews & view) == 0) {
-            continue;
-        }
-        const PixelRect rect = Intersection(Views[ViewIndex(view)].Rect(), ViewFrame.Bounds());
-        const PanePoint p = ViewProject(cursor, view);
-        DrawLine(ViewFrame, rect, {rect.left, p.y}, {rect.right - 1, p.y}, COLOUR_LINE, Ink::Xor);
-        DrawLine(ViewFrame, rect, {p.x, rect.top}, {p.x, rect.bottom - 1}, COLOUR_LINE, Ink::Xor);
-    }
-    if ((VisibleViews & WIN_PERS) == 0) {
-        return;
-    }
-    const EyePoint eye = ViewToEye(cursor);
-    if (!(eye.x >= 1)) {
-        return;
-    }
-    const PixelRect rect = Intersection(Views[3].Rect(), ViewFrame.Bounds());
-    const PanePoint p = ViewProjectEye(eye);
-    const auto& m = ViewState.perspective.row;
-    for (int axis = 0; axis < 3; ++axis) {
-        const auto dx = static_cast<std::int64_t>(-std::clamp(m[axis][1], -1.0F, 1.0F) * CROSS_PIXELS);
-        const auto dy = static_cast<std::int64_t>(-std::clamp(m[axis][2], -1.0F, 1.0F) * CROSS_PIXELS);
-        DrawLine(ViewFrame, rect, {p.x - dx, p.y - dy}, {p.x + dx, p.y + dy}, COLOUR_LINE, Ink::Xor);
-    }
-}
-
-void DamageViews() {
-    for (std::int32_t i = 0; i < VIEW_COUNT; ++i) {
-        if ((VisibleViews & 1 << i) != 0) {
-            ViewDamage(Views[i].Rect());
+        if ((VisibleViews & view) != 0) {
+            const PixelRect clip = ViewClip(view);
+            const PanePoint p = ViewProject(shown, view);
+            DrawCursorLine({{clip.left, p.y}, {clip.right - 1, p.y}}, clip);
+            DrawCursorLine({{p.x, clip.top}, {p.x, clip.bottom - 1}}, clip);
         }
     }
-}
-
-std::int32_t Snapped(std::int32_t value, std::int32_t snap) {
-    if (snap < 2) {
-        return value;
+    const EyePoint eye = ViewToEye(shown);
+    if ((VisibleViews & WIN_PERS) != 0 && eye.x >= 1) {
+        DrawPerspectiveCross(eye);
     }
-    const std::int64_t shifted = std::int64_t{value} + (value < 0 ? -snap / 2 : snap / 2);
-    return static_cast<std::int32_t>(shifted / snap * snap);
 }
 
 }  // namespace
+
+void OverlayInit() {
+    items.clear();
+    cursor = {0, 0, 0};
+    cursorShown = false;
+}
 
 void OverlayReset() {
     items.clear();
@@ -121,33 +177,33 @@ void OverlayToggle() {
     }
 }
 
-void OverlayModelLines(const std::vector<ModelLine>& lines, LineMode mode) {
-    const Item item{lines, false};
+void OverlayModelLines(std::vector<ModelLine> lines, LineMode mode) {
+    Item item = MakeItem(Shape::ModelLines, std::move(lines));
     if (mode == LINE_OR) {
         const OverlayPause pause;
         DrawItem(item, Ink::Or);
     } else {
-        DrawItem(item, Ink::Xor);
-        const auto found = std::ranges::find(items, item);
-        if (found != items.end()) {
-            items.erase(found);
-        } else {
-            items.push_back(item);
-        }
+        ToggleItem(std::move(item));
     }
-    DamageViews();
 }
 
-void OverlayPaneLines(const std::vector<ModelLine>& lines) {
-    const Item item{lines, true};
-    DrawItem(item, Ink::Xor);
-    const auto found = std::ranges::find(items, item);
-    if (found != items.end()) {
-        items.erase(found);
-    } else {
-        items.push_back(item);
+void OverlayModelMarks(const std::vector<ModelPoint>& points, LineMode mode) {
+    std::vector<ModelLine> lines;
+    lines.reserve(points.size());
+    for (const ModelPoint& point : points) {
+        lines.push_back({point, point});
     }
-    DamageViews();
+    Item item = MakeItem(Shape::ModelMarks, std::move(lines));
+    if (mode == LINE_OR) {
+        const OverlayPause pause;
+        DrawItem(item, Ink::Or);
+    } else {
+        ToggleItem(std::move(item));
+    }
+}
+
+void OverlayPaneLines(std::vector<ModelLine> lines) {
+    ToggleItem(MakeItem(Shape::PaneLines, std::move(lines)));
 }
 
 ModelPoint CursorPosition() {
@@ -155,13 +211,14 @@ ModelPoint CursorPosition() {
 }
 
 void CursorMove(const ModelPoint& position) {
-    if (cursorShown && pauses == 0) {
+    const bool drawn = cursorShown && pauses == 0;
+    if (drawn) {
         DrawCursor();
-        cursor = position;
+    }
+    cursor = {std::clamp(position.x, VERTEX_MIN, VERTEX_MAX), std::clamp(position.y, VERTEX_MIN, VERTEX_MAX),
+              std::clamp(position.z, VERTEX_MIN, VERTEX_MAX)};
+    if (drawn) {
         DrawCursor();
-        DamageViews();
-    } else {
-        cursor = position;
     }
 }
 
@@ -170,7 +227,6 @@ bool CursorShow(bool shown) {
     if (before != shown) {
         if (pauses == 0) {
             DrawCursor();
-            DamageViews();
         }
         cursorShown = shown;
     }
@@ -182,12 +238,11 @@ bool CursorShown() {
 }
 
 bool CursorTrack(std::int32_t x, std::int32_t y) {
-    const auto point = ViewPointAt(x, y, cursor);
+    const auto point = ViewPointAt(x, y, cursor, ViewState.gridSnap);
     if (!point) {
         return false;
     }
-    const std::int32_t snap = ViewState.gridSnap;
-    CursorMove({Snapped(point->x, snap), Snapped(point->y, snap), Snapped(point->z, snap)});
+    CursorMove(*point);
     return true;
 }
 

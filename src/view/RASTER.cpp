@@ -1,6 +1,7 @@
 #include "view/RASTER.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -10,6 +11,9 @@ namespace {
 
 // Wide enough for products of any two pane distances.
 __extension__ using Wide = __int128;
+
+// Products of two distances between points within this fit 64 bits.
+constexpr std::int64_t NARROW = std::int64_t{1} << 28;
 
 template <Ink ink>
 void Put(std::uint8_t* pixel, std::uint8_t colour) {
@@ -22,48 +26,77 @@ void Put(std::uint8_t* pixel, std::uint8_t colour) {
     }
 }
 
-// `count` + 1 pixels: each step goes `along`, and `across` as well whenever the error runs over.
+// ---- stepping by a fixed-point slope ----
+
+// A line of up to STEPS_MOST steps goes across by floor(k · rise / length + 1/2) at step k. With the slope
+// rounded up to 48 fractional bits that is (k · slope + half) >> 48 exactly: the error stays under
+// STEPS_MOST² / 2^48 < 1 / (2 · STEPS_MOST), the least distance of an exact value below the next integer.
+constexpr int SLOPE_BITS = 48;
+constexpr std::uint64_t HALF_STEP = std::uint64_t{1} << (SLOPE_BITS - 1);
+constexpr std::int64_t STEPS_MOST = 8192;
+constexpr std::size_t TABLED_STEPS = 1024;
+
+constexpr std::uint64_t RoundedUpInverse(std::uint64_t length) {
+    return ((std::uint64_t{1} << SLOPE_BITS) + length - 1) / length;
+}
+
+constexpr std::array<std::uint64_t, TABLED_STEPS> INVERSES = [] {
+    std::array<std::uint64_t, TABLED_STEPS> table{};
+    for (std::size_t length = 1; length < TABLED_STEPS; ++length) {
+        table[length] = RoundedUpInverse(length);
+    }
+    return table;
+}();
+
+std::uint64_t SlopeOf(std::uint64_t rise, std::uint64_t length) {
+    return rise * (length < TABLED_STEPS ? INVERSES[length] : RoundedUpInverse(length));
+}
+
+// `count` pixels from a place on the line on, `position` steps across in fixed point from where `base` is. No
+// pixel waits for the one before it.
 template <Ink ink>
-void Run(std::uint8_t* pixel, std::int64_t count, std::ptrdiff_t along, std::ptrdiff_t across,
-         std::int64_t error, std::int64_t rise, std::int64_t run, std::uint8_t colour) {
-    Put<ink>(pixel, colour);
-    while (count-- > 0) {
-        error += rise;
-        const bool over = error >= run;
-        pixel += along + (over ? across : 0);
-        error -= over ? run : 0;
-        Put<ink>(pixel, colour);
+void RunBySlope(std::uint8_t* base, std::int64_t count, std::ptrdiff_t along, std::ptrdiff_t across,
+                std::uint64_t position, std::uint64_t slope, std::uint8_t colour) {
+    for (; count > 0; --count) {
+        Put<ink>(base + static_cast<std::ptrdiff_t>(position >> SLOPE_BITS) * across, colour);
+        position += slope;
+        base += along;
     }
 }
 
-Wide FloorDivide(Wide a, Wide b) {
-    const Wide quotient = a / b;
+// ---- clipped lines ----
+
+template <typename Number>
+Number FloorDivide(Number a, Number b) {
+    const Number quotient = a / b;
     return a % b < 0 ? quotient - 1 : quotient;
 }
 
 // A line along its major axis u from the smaller u on; v is the other axis. At step k the pixel is v0 + sign
 // · floor((2·rise·k + length) / (2·length)).
+template <typename Number>
 struct MajorLine {
-    Wide u0, v0;
-    Wide length, rise;  // both at least 0, rise <= length
+    Number u0, v0;
+    Number length, rise;  // both at least 0, rise <= length
     std::int32_t sign;
 
-    Wide StepsAcross(Wide k) const {
-        return length == 0 ? 0 : FloorDivide(2 * rise * k + length, 2 * length);
+    Number StepsAcross(Number k) const {
+        return length == 0 ? 0 : FloorDivide<Number>(2 * rise * k + length, 2 * length);
     }
     // The first step that has gone `across` pixels.
-    Wide FirstStep(Wide across) const {
-        const Wide needed = 2 * length * across - length;
+    Number FirstStep(Number across) const {
+        const Number needed = 2 * length * across - length;
         return needed <= 0 ? 0 : (needed + 2 * rise - 1) / (2 * rise);
     }
 };
 
 // Cuts the steps [first, last] to those whose v lies in [low, high).
-bool CutAcross(const MajorLine& line, Wide low, Wide high, Wide& first, Wide& last) {
+template <typename Number>
+bool CutAcross(const MajorLine<Number>& line, Number low, Number high, Number& first, Number& last) {
     // In steps across from v0, counted in the line's own direction.
-    const Wide least = line.sign > 0 ? low - line.v0 : line.v0 - (high - 1);
-    const Wide most = line.sign > 0 ? high - 1 - line.v0 : line.v0 - low;
-    if (most < 0) {
+    const Number least = line.sign > 0 ? low - line.v0 : line.v0 - (high - 1);
+    const Number most = line.sign > 0 ? high - 1 - line.v0 : line.v0 - low;
+    if (most < 0 || least > line.rise) {
         return false;
     }
     if (line.rise == 0) {
@@ -72,11 +105,31 @@ bool CutAcross(const MajorLine& line, Wide low, Wide high, Wide& first, Wide& la
     if (least > 0) {
         first = std::max(first, line.FirstStep(least));
     }
-    last = std::min(last, line.FirstStep(most + 1) - 1);
+    if (most < line.rise) {
+        last = std::min(last, line.FirstStep(most + 1) - 1);
+    }
     return first <= last;
 }
 
-template <Ink ink>
+// The steps one by one, by an error term that neither rounds nor overflows.
+template <Ink ink, typename Number>
+void RunByError(std::uint8_t* pixel, const MajorLine<Number>& line, Number first, Number last, Number across,
+                std::ptrdiff_t along, std::ptrdiff_t side, std::uint8_t colour) {
+    const Number run = 2 * line.length, rise = 2 * line.rise;
+    Number error = rise * first + line.length - run * across - run;  // runs over at 0
+    for (Number count = last - first;; --count) {
+        Put<ink>(pixel, colour);
+        if (count == 0) {
+            return;
+        }
+        error += rise;
+        const bool over = error >= 0;
+        pixel += along + (over ? side : 0);
+        error -= over ? run : 0;
+    }
+}
+
+template <Ink ink, typename Number>
 void DrawMajor(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint b, bool steep,
                std::uint8_t colour) {
     if (steep) {
@@ -86,49 +139,49 @@ void DrawMajor(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint
     if (a.x > b.x) {
         std::swap(a, b);
     }
-    const Wide delta = static_cast<Wide>(b.y) - a.y;
-    const MajorLine line{a.x, a.y, static_cast<Wide>(b.x) - a.x, delta < 0 ? -delta : delta,
-                         delta < 0 ? -1 : 1};
-    const Wide uLow = steep ? clip.top : clip.left;
-    const Wide uHigh = steep ? clip.bottom : clip.right;
-    Wide first = std::max<Wide>(0, uLow - line.u0);
-    Wide last = std::min<Wide>(line.length, uHigh - 1 - line.u0);
-    if (first > last ||
-        !CutAcross(line, steep ? clip.left : clip.top, steep ? clip.right : clip.bottom, first, last)) {
+    const Number delta = static_cast<Number>(b.y) - a.y;
+    const MajorLine<Number> line{a.x, a.y, static_cast<Number>(b.x) - a.x, delta < 0 ? -delta : delta,
+                                 delta < 0 ? -1 : 1};
+    const Number uLow = steep ? clip.top : clip.left;
+    const Number uHigh = steep ? clip.bottom : clip.right;
+    Number first = std::max<Number>(0, uLow - line.u0);
+    Number last = std::min<Number>(line.length, uHigh - 1 - line.u0);
+    if (first > last || !CutAcross<Number>(line, steep ? clip.left : clip.top,
+                                           steep ? clip.right : clip.bottom, first, last)) {
         return;
     }
-    const Wide across = line.StepsAcross(first);
-    const auto u = static_cast<std::int32_t>(line.u0 + first);
-    const auto v = static_cast<std::int32_t>(line.v0 + line.sign * across);
-    std::uint8_t* pixel = steep ? frame.Row(u) + v : frame.Row(v) + u;
-    const Wide error = 2 * line.rise * first + line.length - 2 * line.length * across;
-    // Far ends make the numbers too large for the loop's: scaled down together they still step at the same
-    // pixels only when exact, so such a line is stepped by the formula.
-    constexpr Wide LIMIT = Wide{1} << 60;
     const std::ptrdiff_t along = steep ? frame.stride : 1;
     const std::ptrdiff_t side = (steep ? 1 : frame.stride) * line.sign;
-    if (2 * line.length < LIMIT) {
-        Run<ink>(pixel, static_cast<std::int64_t>(last - first), along, side,
-                 static_cast<std::int64_t>(error), static_cast<std::int64_t>(2 * line.rise),
-                 static_cast<std::int64_t>(2 * line.length), colour);
-        return;
+    const Number across = line.StepsAcross(first);
+    const auto u = static_cast<std::int32_t>(line.u0 + first);
+    const auto v = static_cast<std::int32_t>(line.v0 + line.sign * across);
+    std::uint8_t* const pixel = steep ? frame.Row(u) + v : frame.Row(v) + u;
+    if (0 < line.length && line.length <= STEPS_MOST) {
+        const std::uint64_t slope =
+            SlopeOf(static_cast<std::uint64_t>(line.rise), static_cast<std::uint64_t>(line.length));
+        const std::uint64_t position = static_cast<std::uint64_t>(first) * slope + HALF_STEP -
+                                       (static_cast<std::uint64_t>(across) << SLOPE_BITS);
+        RunBySlope<ink>(pixel, static_cast<std::int64_t>(last - first) + 1, along, side, position, slope,
+                        colour);
+    } else {
+        RunByError<ink>(pixel, line, first, last, across, along, side, colour);
     }
-    Wide gone = across;
-    for (Wide k = first; k <= last; ++k) {
-        const Wide now = line.StepsAcross(k);
-        pixel += now != gone ? side : 0;
-        gone = now;
-        Put<ink>(pixel, colour);
-        pixel += along;
-    }
+}
+
+bool IsNarrow(const PanePoint& point) {
+    return -NARROW < point.x && point.x < NARROW && -NARROW < point.y && point.y < NARROW;
 }
 
 template <Ink ink>
 void DrawAny(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint b, std::uint8_t colour) {
-    const Wide width = static_cast<Wide>(b.x) - a.x;
-    const Wide height = static_cast<Wide>(b.y) - a.y;
-    const bool steep = (height < 0 ? -height : height) > (width < 0 ? -width : width);
-    DrawMajor<ink>(frame, clip, a, b, steep, colour);
+    if (IsNarrow(a) && IsNarrow(b)) {
+        const bool steep = std::abs(b.y - a.y) > std::abs(b.x - a.x);
+        return DrawMajor<ink, std::int64_t>(frame, clip, a, b, steep, colour);
+    }
+    a = {std::clamp(a.x, -PANE_MOST, PANE_MOST), std::clamp(a.y, -PANE_MOST, PANE_MOST)};
+    b = {std::clamp(b.x, -PANE_MOST, PANE_MOST), std::clamp(b.y, -PANE_MOST, PANE_MOST)};
+    const bool steep = std::abs(b.y - a.y) > std::abs(b.x - a.x);
+    DrawMajor<ink, Wide>(frame, clip, a, b, steep, colour);
 }
 
 bool Inside(const PixelRect& rect, const PanePoint& point) {
@@ -176,30 +229,23 @@ void DrawLineInside(FrameBuffer& frame, std::int32_t x0, std::int32_t y0, std::i
         std::swap(x0, x1);
         std::swap(y0, y1);
     }
-    std::uint8_t* pixel = frame.Row(y0) + x0;
+    const std::ptrdiff_t stride = frame.stride;
+    std::uint8_t* const pixel = frame.Row(y0) + x0;
+    const std::int32_t length = steep ? height : width;
     if (!steep && height == 0) {
         std::memset(pixel, colour, static_cast<std::size_t>(width) + 1);
         return;
     }
-    const std::ptrdiff_t stride = frame.stride;
-    std::int32_t count = steep ? height : width;
-    const std::int32_t rise = 2 * (steep ? width : height);
-    const std::int32_t run = 2 * count;
-    const std::ptrdiff_t along = steep ? stride : 1;
-    const std::ptrdiff_t diagonal = steep ? stride + (x1 < x0 ? -1 : 1) : 1 + (y1 < y0 ? -stride : stride);
-    std::int32_t error = count - run;  // kept below 0: it runs over at 0
-    for (;;) {
-        *pixel = colour;
-        if (count-- == 0) {
-            return;
-        }
-        error += rise;
-        if (error >= 0) {
-            error -= run;
-            pixel += diagonal;
-        } else {
-            pixel += along;
-        }
+    if (length > STEPS_MOST) {
+        DrawLine(frame, frame.Bounds(), {x0, y0}, {x1, y1}, colour);
+        return;
+    }
+    const std::uint64_t slope =
+        SlopeOf(static_cast<std::uint64_t>(steep ? width : height), static_cast<std::uint64_t>(length));
+    if (steep) {
+        RunBySlope<Ink::Set>(pixel, length + 1, stride, x1 < x0 ? -1 : 1, HALF_STEP, slope, colour);
+    } else {
+        RunBySlope<Ink::Set>(pixel, length + 1, 1, y1 < y0 ? -stride : stride, HALF_STEP, slope, colour);
     }
 }
 
@@ -213,7 +259,8 @@ void DrawLine(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint 
         (a.y < clip.top && b.y < clip.top) || (a.y >= clip.bottom && b.y >= clip.bottom)) {
         return;
     }
-    if (ink == Ink::Set && Inside(clip, a) && Inside(clip, b)) {
+    if (ink == Ink::Set && Inside(clip, a) && Inside(clip, b) &&
+        std::max(std::abs(b.x - a.x), std::abs(b.y - a.y)) <= STEPS_MOST) {
         DrawLineInside(frame, static_cast<std::int32_t>(a.x), static_cast<std::int32_t>(a.y),
                        static_cast<std::int32_t>(b.x), static_cast<std::int32_t>(b.y), colour);
         return;

@@ -2,6 +2,7 @@
 // inside the rectangle, and a line has the same pixels in both directions.
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -17,10 +18,14 @@ constexpr bool IsEmpty(const PixelRect& rect) {
 }
 PixelRect Intersection(const PixelRect& a, const PixelRect& b);
 
-// A point of the pane; far outside it after a large zoom.
+// A point of the pane; far outside it after a large zoom. Lines beyond PANE_MOST bend there, so that the
+// products of their distances fit 128 bits.
 struct PanePoint {
     std::int64_t x, y;
+
+    friend auto operator<=>(const PanePoint&, const PanePoint&) = default;
 };
+inline constexpr std::int64_t PANE_MOST = std::int64_t{1} << 60;
 
 // Pixels row by row, one palette index each; `stride` bytes a row.
 struct FrameBuffer {

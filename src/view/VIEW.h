@@ -39,7 +39,7 @@ extern std::int32_t VisibleViews;     // mask of View bits
 struct ModelPoint {
     std::int32_t x, y, z;
 
-    friend bool operator==(const ModelPoint&, const ModelPoint&) = default;
+    friend auto operator<=>(const ModelPoint&, const ModelPoint&) = default;
 };
 
 // What the script functions set. The two zoom numbers are at least 1 and one of them is 1.
@@ -50,8 +50,10 @@ struct ViewSettings {
     std::int32_t gridSpacing = 0, gridSnap = 0;
     bool converting = false;
     FixedMatrix conversion{};
+    Matrix conversionInverse = UNIT_MATRIX;
     Matrix perspective = UNIT_MATRIX;
     Matrix perspectiveInverse = UNIT_MATRIX;
+    double eye[3] = {0, 0, 0};  // where the perspective view is seen from, before the conversion
     std::int32_t angle = 45;
     std::int32_t focalDistance = 1;
     std::int32_t visibleVector = 0, visiblePolyVector = 0, visibleVertex = 0;
@@ -85,7 +87,10 @@ void ViewSetConversion(const Matrix& matrix);
 
 // The point in display coordinates: after the conversion, if one is set.
 ModelPoint ViewConverted(const VertexRecord& vertex);
-// A display coordinate on axis 0 to 2, as pixels from a view's centre.
+ModelPoint ViewConverted(const ModelPoint& point);
+// The polygon's plane normal points to the eye's side of its plane. A polygon without a normal never faces.
+bool ViewFacesViewer(const PolygonRecord& polygon);
+// A display coordinate on axis 0 to 2, as pixels from a view's centre, within PANE_MOST.
 std::int64_t ViewScaled(std::int32_t coordinate, int axis);
 // Pane position of a point in an orthographic view.
 PanePoint ViewProject(const ModelPoint& point, std::int32_t view);
@@ -94,14 +99,14 @@ struct EyePoint {
     double x, y, z;
 };
 EyePoint ViewToEye(const ModelPoint& point);
-// Pane position of an eye-space point with x >= 1.
+// Pane position of an eye-space point with x >= 1, within PANE_MOST.
 PanePoint ViewProjectEye(const EyePoint& point);
-// The polygon's plane normal points to the eye's side of its plane.
-bool ViewFacesViewer(const PolygonRecord& polygon);
-// The model point under a pane point in its view: in an orthographic view the third coordinate is `depth`'s,
-// in the perspective view it lies parallel to the screen at the depth of `depth`. Nothing outside the visible
-// views.
-std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth);
+// The model point under a pane point in its view, within the coordinate range: in an orthographic view the
+// third coordinate is `depth`'s, in the perspective view it lies parallel to the screen at the depth of
+// `depth`, or stays at `depth` when that is behind the eye. Coordinates that the view moves become multiples
+// of `snap` when that is 2 or more. Nothing outside the visible views.
+std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth,
+                                      std::int32_t snap = 0);
 
 // Off at start and at shut-down: then redraws do nothing.
 void ViewEnableDrawing(bool on);

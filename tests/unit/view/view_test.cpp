@@ -234,7 +234,7 @@ TEST_F(View3D, ATrackedCursorKeepsTheThirdCoordinateAndSnaps) {
     CursorMove({1, 2, 33});
     ViewState.gridSnap = 10;
     EXPECT_TRUE(CursorTrack(200 + 14, 150 - 26));
-    EXPECT_EQ(CursorPosition(), (ModelPoint{10, 30, 30}));
+    EXPECT_EQ(CursorPosition(), (ModelPoint{10, 30, 33}));
 }
 TEST_F(View3D, ThePerspectiveViewProjectsAndClipsAtTheEye) {
     Triangle(100, 10, 0, 100, -10, 0, 100, 0, 10);
