@@ -70,6 +70,7 @@ QtWindow::QtWindow(QtFrame& frame) : QWidget(&frame), frame_(frame) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_InputMethodEnabled);
     setMinimumSize(1, 1);
+    frame.setAttribute(Qt::WA_AlwaysShowToolTips);
     frame.setWindowTitle(QStringLiteral("Quelmark"));
     frame.setCentralWidget(this);
     frame.resize(1024, 768);
