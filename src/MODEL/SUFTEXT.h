@@ -14,8 +14,8 @@ namespace quelmark {
 std::string AttributeText(const AttributeRecord& attribute);
 // The selected polygons, whatever their object, as a block of this name.
 std::string ObjectText(std::string_view name);
-// Every attribute, then every object with its own polygons; polygons whose number names no object are in a block "no".
-// With selectedOnly the selected polygons, their attributes and their objects alone.
+// Every attribute, then every object with its own polygons; polygons whose number names no object are in a
+// block "no". With selectedOnly the selected polygons, their attributes and their objects alone.
 std::string ModelText(bool selectedOnly);
 // A one-frame scene that places the shape `object` by the matrix. `background` is red, green, blue, 1.0 at
 // most bright; black is left out. `angle` is the eye's, in degrees.

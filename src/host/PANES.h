@@ -63,7 +63,8 @@ struct PaneHandlers {
 };
 extern PaneHandlers PaneEvents;
 
-// What the thing at a client point is called, in full: a name of the lists, a button's tip. "" where nothing is.
+// What the thing at a client point is called, in full: a name of the lists, a button's tip. "" where nothing
+// is.
 std::string PaneTip(std::int32_t x, std::int32_t y);
 
 // A button is down at this point: true when it lies on a pane, which has then dealt with it.
