@@ -9,6 +9,7 @@
 #include "ML/OPERATE.h"
 #include "MODEL/ATR.h"
 #include "MODEL/OBJ.h"
+#include "MODEL/UNDO.h"
 #include "text/sjis.h"
 
 namespace quelmark {
@@ -90,6 +91,7 @@ void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t 
 }
 
 void ModelExit() {
+    UndoClear();
     BufferExit();
     AttrExit();
     ObjExit();

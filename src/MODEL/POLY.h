@@ -82,8 +82,8 @@ void PolygonSave();
 // Deletes every selected polygon.
 void PolygonDelete();
 
-// Registers the class Vertex, the model constants and every function of polygons, selection, attributes and
-// objects.
+// Registers the class Vertex, the model constants and every function of polygons, selection, attributes,
+// objects and undoing.
 void PolygonRegister();
 
 }  // namespace quelmark

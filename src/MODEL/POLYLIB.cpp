@@ -10,6 +10,7 @@
 #include "MODEL/POLY.h"
 #include "MODEL/SELECT.h"
 #include "MODEL/SHADE.h"
+#include "MODEL/UNDO.h"
 #include "MODEL/VERTEX.h"
 #include "text/sjis.h"
 
@@ -229,6 +230,7 @@ void PolygonRegister() {
     SelectRegister();
     AttributeRegister();
     ObjectRegister();
+    UndoRegister();
 }
 
 }  // namespace quelmark

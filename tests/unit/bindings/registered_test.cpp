@@ -51,6 +51,7 @@ constexpr Names FUNCTIONS[] = {
      "SelectCurrent"},
     {"Select", "Select SelectPolygons SelectAdjoint SelectNumber PolyLoad PolyDelete tostring"},
     {"", "VertexSet VertexSelect"},
+    {"", "UndoMark Undo Redo UndoRestore UndoCancel UndoText RedoText UndoClear UndoSaved UndoMemory"},
     {"VertexSet",
      "tostring VertexSelect VertexGetVertex Vertexs VertexPositionVertex "
      "VertexSelectPosition"},
