@@ -51,7 +51,7 @@ std::int32_t Append(std::int32_t, std::int32_t argc, DataCell* argv) {
         const auto component = [code](std::int32_t bit) {
             return static_cast<std::int16_t>((code & bit) != 0 ? FIXED_12 : 0);
         };
-        attribute.code = static_cast<std::uint16_t>(code & 7);
+        attribute.code = static_cast<std::uint16_t>(code);
         attribute.col = {component(2), component(4), component(1), 0};
         CopyText(attribute.file, argc > 2 ? StringText(argv[2]) : std::string_view());
     }
@@ -123,7 +123,7 @@ std::int32_t Code(std::int32_t, std::int32_t argc, DataCell* argv) {
     }
     const std::int32_t n = argv[0].integer;
     if (InTable(n) && argc > 1) {
-        AttrTable[n].code = static_cast<std::uint16_t>(argv[1].integer & 7);
+        AttrTable[n].code = static_cast<std::uint16_t>(argv[1].integer);
         ++AttrRevision;
     }
     StackPushInt(InTable(n) ? AttrTable[n].code : 0);

@@ -26,7 +26,7 @@ void DrawPolygon(const PolygonRecord& polygon, std::uint8_t colour) {
 
 std::uint8_t AttributeColour(std::int16_t attribute) {
     return attribute >= 0 && attribute < AttributeCount
-               ? static_cast<std::uint8_t>(AttrTable[attribute].code & 15)
+               ? static_cast<std::uint8_t>(AttrTable[attribute].code & 7)
                : COLOUR_WITHOUT_ATTRIBUTE;
 }
 

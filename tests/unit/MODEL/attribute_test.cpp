@@ -89,6 +89,11 @@ TEST_F(Attributes, CodeIsSetAndReportsItsOwnMessages) {
     EXPECT_EQ(Failure("AttrCode(\"a\");"), "1番目の引数の型不正です(AttrCode)");
     EXPECT_EQ(Failure("AttrCode(0, 1.5);"), "2番目の引数の型不正です(AttrCode)");
 }
+TEST_F(Attributes, CodeIsKeptAsGivenAndItsLowBitsAreTheColour) {
+    EXPECT_EQ(
+        Script("AttrAppend(\"a\", 10); print(AttrCode(0), AttrCol(0), AttrCode(0, 9), AttrCode(0, -1));"),
+        "10 (   1.0000,   0.0000,   0.0000 ) 9 65535");
+}
 TEST_F(Attributes, FileIsSetAndReportsWithTheNameOfTheObjectFunction) {
     EXPECT_EQ(Script("AttrAppend(\"a\", 7); print(AttrFile(0, \"f.suf\"), AttrFile(0), AttrFile(1), "
                      "AttrFile(-1, \"g\"));"),
