@@ -10,6 +10,7 @@ namespace quelmark {
 namespace {
 
 constexpr std::int32_t TEMPORARIES_MOST = 0x7000;
+constexpr std::size_t JOINED_MOST = 256;  // parts of a text that wait on the stack
 
 std::int32_t temporaries = 0;      // in use
 std::int32_t temporariesMost = 0;  // ever in use
@@ -70,11 +71,14 @@ NodeId ChainOf(NodeId node, std::vector<NodeId>& chain) {
 // Two or more values added behind a text constant somewhere: the parts of a text.
 bool BuildsText(const std::vector<NodeId>& chain) {
     bool text = false;
+    if (chain.size() < 2 || chain.size() > JOINED_MOST) {
+        return false;
+    }
     for (const NodeId step : chain) {
         const Node& right = NodeOf(NodeOf(step).right);
         text = text || (right.kind == NodeKind::Constant && right.cell.type == TYPE_OBJECT);
     }
-    return text && chain.size() >= 2 &&
+    return text &&
            std::all_of(chain.begin(), chain.end(), [](NodeId step) { return NodeOf(step).index == OP_ADD; });
 }
 

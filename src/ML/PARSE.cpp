@@ -29,6 +29,7 @@ enum StatementKind : std::uint16_t {
     STATEMENT_DECLARATION = 1,
     STATEMENT_FUNCTION = 2,
     STATEMENT_IF = 11,
+    STATEMENT_IF_ELSE = 12,
     STATEMENT_WHILE = 13,
     STATEMENT_DO = 14,
     STATEMENT_FOR = 15,
@@ -71,6 +72,8 @@ IdentTablePtr globalNames;
 IdentTablePtr localNames;
 std::int32_t globalRoom = 0;
 std::vector<Loop> loops;
+std::int32_t statementDepth = 0;   // 1 for the outermost statement
+std::vector<std::int32_t> leaves;  // jumps to the end of the outermost statement of the top level
 
 void ParseStatement();
 
@@ -272,7 +275,7 @@ void ParseFunctionBody(std::int32_t ident) {
 }
 
 void ParseFunction(bool isPrivate, std::int32_t line) {
-    if (localNames || !loops.empty()) {
+    if (statementDepth > 1) {
         CompileError("%s", "関数宣言の位置が不正です"_sjis);
     }
     NextToken();
@@ -298,6 +301,7 @@ void ParseFunction(bool isPrivate, std::int32_t line) {
 // One `if (condition) statement`; answers the jump to what follows when the condition is false.
 std::int32_t ParseIfBranch(std::int32_t line) {
     NextToken();
+    const std::int32_t trace = CodeHere();
     BeginStatement(STATEMENT_IF, line);
     std::int32_t otherwise = 0;
     {
@@ -306,6 +310,9 @@ std::int32_t ParseIfBranch(std::int32_t line) {
     }
     EmitFreeTemporaries();
     ParseStatement();
+    if (TraceIsOn() && CurrentToken.kind == KEY_ELSE) {
+        Code[static_cast<std::size_t>(trace)].a = STATEMENT_IF_ELSE;
+    }
     return otherwise;
 }
 
@@ -388,17 +395,21 @@ void ParseStep(std::int32_t line) {
 struct LoopStep {
     std::vector<Instruction> code;
     Loop jumps;
+    std::vector<std::int32_t> leaves;
 };
 
 LoopStep ParseLoopStep(std::int32_t line) {
     const std::int32_t start = CodeHere();
     LoopStep step;
+    const std::size_t leavesBefore = leaves.size();
     loops.emplace_back();
     ParseStep(line);
     step.jumps = std::move(loops.back());
     loops.pop_back();
+    step.leaves.assign(leaves.begin() + static_cast<std::ptrdiff_t>(leavesBefore), leaves.end());
+    leaves.resize(leavesBefore);
     step.code = CodeCut(start);
-    for (auto* jumps : {&step.jumps.breaks, &step.jumps.continues}) {
+    for (auto* jumps : {&step.jumps.breaks, &step.jumps.continues, &step.leaves}) {
         for (std::int32_t& jump : *jumps) {
             jump -= start;
         }
@@ -415,6 +426,9 @@ void PasteLoopStep(const LoopStep& step) {
     }
     for (const std::int32_t jump : step.jumps.breaks) {
         loops.back().breaks.push_back(start + jump);
+    }
+    for (const std::int32_t jump : step.leaves) {
+        leaves.push_back(start + jump);
     }
 }
 
@@ -449,14 +463,23 @@ void ParseFor(std::int32_t line) {
     EndLoop(next);
 }
 
+// Ends the function without a result; at the top level it ends the outermost statement.
+void EmitLeave() {
+    if (localNames) {
+        CodeEmit({Opcode::RETURN_NONE, 0, 0, 0, 0, UNSETTLED});
+    } else if (statementDepth > 1) {
+        leaves.push_back(CodeEmit({Opcode::JUMP}));
+    }
+}
+
 void ParseJump(std::int32_t line, StatementKind kind) {
     NextToken();
     BeginStatement(kind, line);
     if (!loops.empty()) {
         auto& jumps = kind == STATEMENT_BREAK ? loops.back().breaks : loops.back().continues;
         jumps.push_back(CodeEmit({Opcode::JUMP}));
-    } else if (localNames) {
-        CodeEmit({Opcode::RETURN_NONE, 0, 0, 0, 0, UNSETTLED});
+    } else {
+        EmitLeave();
     }
     ExpectSemicolon();
 }
@@ -466,12 +489,13 @@ void ParseReturn(std::int32_t line) {
     NextToken();
     BeginStatement(STATEMENT_RETURN, line);
     if (CurrentToken.kind == SYM_SEMICOLON) {
-        if (localNames) {
-            CodeEmit({Opcode::RETURN_NONE, 0, 0, 0, 0, UNSETTLED});
-        }
+        EmitLeave();
     } else {
         const std::uint16_t value = EmitValue(ParseExpression());
         CodeEmit({localNames ? Opcode::RETURN : Opcode::DROP, 0, value, 0, 0, UNSETTLED});
+        if (!localNames) {
+            EmitLeave();
+        }
     }
     EmitFreeTemporaries();
     ExpectSemicolon();
@@ -488,8 +512,18 @@ void ParseBlock(std::int32_t line) {
     }
 }
 
+// Counts the statements around what is being parsed.
+class DepthGuard {
+  public:
+    DepthGuard() { ++statementDepth; }
+    ~DepthGuard() { --statementDepth; }
+    DepthGuard(const DepthGuard&) = delete;
+    DepthGuard& operator=(const DepthGuard&) = delete;
+};
+
 void ParseStatement() {
     const NestingGuard guard;
+    const DepthGuard depth;
     const std::int32_t line = CurrentToken.line;
     switch (CurrentToken.kind) {
         case SYM_LEFT_BRACE:
@@ -540,6 +574,7 @@ void ParserExit() {
     localNames.reset();
     globalRoom = 0;
     loops.clear();
+    leaves.clear();
     Nodes.clear();
     TopLevel = {};
 }
@@ -553,6 +588,7 @@ class CompileScope {
     ~CompileScope() {
         localNames.reset();
         loops.clear();
+        leaves.clear();
         Nodes.clear();
         if (finished_) {
             return;
@@ -580,6 +616,8 @@ void ParseFile() {
     EmitReset();
     while (CurrentToken.kind != SYM_END) {
         ParseStatement();
+        PatchAll(leaves, CodeHere());
+        leaves.clear();
     }
     TopLevel.temporaries = std::max(TopLevel.temporaries, EmitTemporariesUsed());
     PurgePrivateNames();

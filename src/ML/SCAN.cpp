@@ -287,8 +287,7 @@ void ScanSymbol() {
 }  // namespace
 
 void ScanOpen(std::string_view path) {
-    const FilePtr file = OpenFile(path, "rb");
-    if (!file) {
+    if (!OpenRegularFile(path)) {
         CompileError("ファイル %s がオープンできません。"_sjis, std::string(path).c_str());
     }
     std::optional<std::string> text;

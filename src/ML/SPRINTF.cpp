@@ -5,7 +5,6 @@
 
 #include "ML/ERROR.h"
 #include "ML/STRING.h"
-#include "text/cp932.h"
 #include "text/sjis.h"
 
 namespace quelmark {
@@ -119,10 +118,7 @@ std::string FormatText(std::string_view format, std::int32_t argc, const DataCel
     std::string out;
     std::int32_t next = 0;
     for (std::size_t at = 0; at < format.size();) {
-        if (IsLeadByte(static_cast<unsigned char>(format[at])) && at + 1 < format.size()) {
-            out.append(format, at, 2);
-            at += 2;
-        } else if (format[at] != '%') {
+        if (format[at] != '%') {  // never the second byte of a double-byte character
             out += format[at++];
         } else {
             const Conversion conversion = ReadConversion(format, ++at);

@@ -357,9 +357,12 @@ int CellToText(char* buffer, const DataCell& cell) {
 double ParseReal(std::string_view text, std::size_t* used) {
     const std::size_t sign = text.starts_with('+') ? 1 : 0;  // from_chars takes no plus sign
     double value = 0;
-    const auto result = std::from_chars(text.data() + sign, text.data() + text.size(), value);
+    const char* const first = text.data() + sign;
+    const char* const end = text.data() + text.size();
+    const bool signedTwice = sign != 0 && first != end && *first == '-';
+    const auto result = std::from_chars(first, signedTwice ? first : end, value);
     if (used != nullptr) {
-        *used = result.ptr == text.data() + sign ? 0 : static_cast<std::size_t>(result.ptr - text.data());
+        *used = result.ptr == first ? 0 : static_cast<std::size_t>(result.ptr - text.data());
     }
     if (result.ec == std::errc::result_out_of_range) {
         // Too large or too small for a double: strtod tells which.

@@ -161,14 +161,9 @@ void ClassifyWord(std::string_view word) {
 // False when it cannot be read.
 bool Load(std::string_view path) {
     constexpr std::size_t ROOM_LEAST = 65536;
-    const auto host = HostPath(path);
+    const FilePtr file = OpenRegularFile(path);
     struct stat status {};
-    // A pipe or a device may never end.
-    if (!host || ::stat(host->c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return false;
-    }
-    const FilePtr file = OpenFile(path, "rb");
-    if (!file) {
+    if (!file || ::fstat(::fileno(file.get()), &status) != 0) {
         return false;
     }
     // One byte more than it promises shows that its end has been reached.

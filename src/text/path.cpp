@@ -13,6 +13,8 @@
 namespace quelmark {
 namespace {
 
+constexpr off_t TEXT_BYTES_MOST = 1 << 30;
+
 bool Exists(const std::string& path) {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0;
@@ -21,6 +23,11 @@ bool Exists(const std::string& path) {
 bool IsDirectory(const std::string& path) {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool IsRegular(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 char AsciiLower(char character) {
@@ -165,18 +172,24 @@ FilePtr OpenFile(std::string_view scriptPath, const char* mode) {
     return FilePtr(std::fopen(path->c_str(), mode));
 }
 
+FilePtr OpenRegularFile(std::string_view scriptPath) {
+    const auto path = HostPath(scriptPath);
+    if (!path || !IsRegular(*path)) {
+        return nullptr;
+    }
+    return FilePtr(std::fopen(path->c_str(), "rb"));
+}
+
 std::optional<std::string> ReadWholeFile(std::string_view scriptPath) {
-    const FilePtr file = OpenFile(scriptPath, "rb");
-    if (!file) {
+    const FilePtr file = OpenRegularFile(scriptPath);
+    struct stat status {};
+    if (!file || ::fstat(::fileno(file.get()), &status) != 0 || status.st_size > TEXT_BYTES_MOST) {
         return std::nullopt;
     }
     std::string text;
-    struct stat status {};
-    if (::fstat(::fileno(file.get()), &status) == 0 && S_ISREG(status.st_mode)) {
-        text.resize(static_cast<std::size_t>(status.st_size));
-        text.resize(std::fread(text.data(), 1, text.size(), file.get()));
-    }
-    char buffer[65536];
+    text.resize(static_cast<std::size_t>(status.st_size));
+    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
+    char buffer[65536];  // for what has been added since
     for (std::size_t count = 0; (count = std::fread(buffer, 1, sizeof buffer, file.get())) > 0;) {
         text.append(buffer, count);
     }

@@ -34,7 +34,10 @@ struct FileClose {
 using FilePtr = std::unique_ptr<std::FILE, FileClose>;
 // fopen of a script path; null when it cannot be opened, or names a directory.
 FilePtr OpenFile(std::string_view scriptPath, const char* mode);
-// The whole file, or nothing when it cannot be opened or read (a directory, no permission).
+// The same for reading, of files proper only: a pipe or a device may never end, or not even open.
+FilePtr OpenRegularFile(std::string_view scriptPath);
+// The whole file, or nothing when it cannot be opened or read (no file proper, no permission) or is larger
+// than any text can be.
 std::optional<std::string> ReadWholeFile(std::string_view scriptPath);
 
 }  // namespace quelmark

@@ -48,6 +48,24 @@ expect "a binary script is refused" 1 "Error" env MODELPATH=home "$program"
 mkdir home/folder.qms
 printf 'SourceFile = folder.qms\n' > home/Quelmark.ini
 expect "a folder is no script" 1 "オープンできません。" env MODELPATH=home "$program"
+mkfifo home/pipe.qms
+printf 'SourceFile = pipe.qms\n' > home/Quelmark.ini
+expect "a pipe is no script" 1 "ファイル home\\pipe.qms がオープンできません。" env MODELPATH=home timeout 10 "$program"
+printf 'SourceFile = /dev/zero\n' > home/Quelmark.ini
+expect "a device is no script" 1 "ファイル /dev/zero がオープンできません。" env MODELPATH=home timeout 10 "$program"
+truncate -s 3G home/huge.qms
+printf 'SourceFile = huge.qms\n' > home/Quelmark.ini
+expect "a script beyond reason is refused" 1 "ファイルサイズが不正です。" env MODELPATH=home timeout 10 "$program"
+rm home/huge.qms
+mkdir piped zero
+mkfifo piped/Quelmark.ini
+ln -s /dev/zero zero/Quelmark.ini
+expect "a pipe is no configuration" 1 "Quelmark.ini" env MODELPATH=piped timeout 10 "$program"
+expect "a device is no configuration" 1 "Quelmark.ini" env MODELPATH=zero timeout 10 "$program"
+mkfifo pipe.suf
+printf 'SourceFile = e.qms\n' > home/Quelmark.ini
+printf 'print(ReadFile("pipe.suf"), ReadFile("/dev/zero"));' > home/e.qms
+expect "a pipe or a device is no shape file" 0 "0 0" env MODELPATH=home timeout 10 "$program"
 printf 'SourceFile = deep.qms\n' > home/Quelmark.ini
 head -c 100000 /dev/zero | tr '\0' '(' > home/deep.qms
 expect "deep nesting is refused" 1 "スタックオーバーフロー！！" env MODELPATH=home "$program"

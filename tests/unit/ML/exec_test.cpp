@@ -309,6 +309,15 @@ TEST_F(Executor, BreakAndContinueOutsideALoopEndTheFunctionWithoutAResult) {
 TEST_F(Executor, BreakContinueAndReturnHaveNoEffectAtTheTopLevel) {
     EXPECT_EQ(Prints("break; print(1); continue; print(2); return; print(3); return 5; print(4);"), "1234");
 }
+TEST_F(Executor, BreakContinueAndReturnEndTheOutermostStatementOfTheTopLevel) {
+    EXPECT_EQ(Prints("{ { return 5; } print(1); } print(2);"), "2");
+    EXPECT_EQ(Prints("while (TRUE) { return; } print(3);"), "3");
+    EXPECT_EQ(Prints("if (TRUE) { break; print(1); } else print(4); print(2);"), "2");
+    EXPECT_EQ(Prints("{ continue; print(1); } print(2);"), "2");
+    EXPECT_EQ(Prints("var i, j; for (i = 0; i < 3; i++) for (j = 0; TRUE; { j++; if (j > 1) return i; }) "
+                     "print(j); print(i);"),
+              "010");
+}
 TEST_F(Executor, EmptyFunctionsAndBodiesRun) {
     EXPECT_EQ(Prints("function f() { } function g() ; f(); while (0) ; print(1);"), "1");
 }

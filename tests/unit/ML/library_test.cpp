@@ -94,6 +94,8 @@ TEST_F(Library, StrtoascIsSigned) {
 TEST_F(Library, AtoiAndAtofReadTheLeadingNumber) {
     EXPECT_EQ(Value("atoi(\" 12abc\"), atoi(\"x\"), atof(\"2.5e1z\"), atof(\"\")"),
               "12 0 25.000000 0.000000");
+    EXPECT_EQ(Value("atoi(\"+-5\"), atoi(\"+5\"), atof(\"+-5\"), atof(\"-+5\"), atof(\"+5\"), atof(\"-5\")"),
+              "0 5 0.000000 0.000000 5.000000 -5.000000");
 }
 TEST_F(Library, CaseIsMappedByteByByte) {
     EXPECT_EQ(Value("toupper(\"aBz\"), tolower(\"aBZ\")"), "ABZ abz");
@@ -101,6 +103,9 @@ TEST_F(Library, CaseIsMappedByteByByte) {
 TEST_F(Library, SprintfFollowsPrintf) {
     EXPECT_EQ(Value("sprintf(\"%d|%5d|%-5d|%05.1f|%s|%x|%c|%%\", 1, 2, 3, 4.25, \"t\", 255, 'A')"),
               "1|    2|3    |004.2|t|ff|A|%");
+}
+TEST_F(Library, SprintfKnowsAPercentSignBehindAnyByte) {
+    EXPECT_EQ(Value("sprintf(asctostr(0x81) + \"%d|能%d\", 5, 6) == asctostr(0x81) + \"5|能6\""), "TRUE");
 }
 TEST_F(Library, SprintfNamesTheArgumentOfAWrongType) {
     EXPECT_EQ(Fail("sprintf(\"%d%s\", 1, 2);"),

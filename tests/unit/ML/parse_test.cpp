@@ -39,6 +39,11 @@ TEST_F(Parser, AFunctionMayNotBeDeclaredInAFunction) {
     EXPECT_EQ(Error("function f() { function g() { } }"), "関数宣言の位置が不正です");
     EXPECT_EQ(Error("function f() { private function g() { } }"), "関数宣言の位置が不正です");
 }
+TEST_F(Parser, AFunctionMayNotBeDeclaredInsideAStatement) {
+    EXPECT_EQ(Error("{ function g() { } }"), "関数宣言の位置が不正です");
+    EXPECT_EQ(Error("if (TRUE) function g() { }"), "関数宣言の位置が不正です");
+    EXPECT_EQ(Error("while (TRUE) { private function g() { } }"), "関数宣言の位置が不正です");
+}
 TEST_F(Parser, PrivateWithoutAFunctionIsMisplaced) {
     EXPECT_EQ(Error("private var a;"), "関数宣言の位置が不正です");
 }

@@ -164,6 +164,17 @@ TEST_F(Host, TheTraceNamesEachStatement) {
               "EXEC[000040][test.qms:   3] : 3 : 30\n");
 }
 
+TEST_F(Host, TheTraceTellsAnIfWithAnElse) {
+    trace.clear();
+    SetTraceSink([](std::string_view text) { trace += text; });
+    SetTrace(true);
+    Run("if (0) ; else if (1) ;");
+    SetTrace(false);
+    EXPECT_EQ(trace.substr(trace.find(']')),
+              "][test.qms:   1] : 3 : 12\nEXEC[000050][test.qms:   1] : 3 : 11\nEXEC[000080][test.qms:   1] "
+              ": 3 : 20\n");
+}
+
 TEST_F(Host, UsageCountsAreAvailable) {
     Start();
     const std::int32_t functions = FunctionsUsed();
