@@ -2,6 +2,7 @@
 # run.sh QUELMARKC TEST.qms: runs the stock scripts with TEST.qms behind them and the events of TEST.input when there is one, and compares
 # what is printed, line by line, with the `// expect: …` comments of TEST.qms and the `# expect: …` lines of TEST.input behind them.
 # `// arguments: …` names the files to open ($SAMPLES is the folder of the samples), `// setting: KEY VALUE` a line of the configuration.
+# `// with: FILE` names a script beside the test that is read before it.
 # The session's folder is the current one and HOME, and is empty.
 set -u
 program=$(realpath "$1")
@@ -11,11 +12,14 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 name=$(basename "$script" .qms)
 cp "$(dirname "$script")/$name".* "$folder/"
+with=$(sed -n 's|.*// with: ||p' "$script")
+[ -n "$with" ] && cp "$(dirname "$script")/$with" "$folder/"
 cd "$folder" || exit 1
 settings=$(sed -n 's|.*// setting: ||p' "$name.qms")
 {
     keys=$(printf '%s\n' "$settings" | awk '{print $1}' | paste -sd'|')
     grep -vE "^(${keys:-none})[[:space:]=]" "$(dirname "$program")/Quelmark.ini"
+    [ -n "$with" ] && printf 'SourceFile = %s\n' "$with"
     printf '%s\nSourceFile = %s\n' "$settings" "$name.qms"
 } > Quelmark.ini
 [ -f "$name.input" ] && export QUELMARKINPUT="$folder/$name.input"

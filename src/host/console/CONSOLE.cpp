@@ -111,7 +111,11 @@ void ConsoleWindow::ReadInput(const char* path) {
     }
 }
 
-void ConsoleWindow::Deliver(std::int32_t) {
+void ConsoleWindow::Deliver(std::int32_t milliseconds) {
+    // Only a wait step takes an event; who merely lets the window work must not lose the next key.
+    if (milliseconds == 0) {
+        return;
+    }
     if (lines_.empty()) {
         state_.finished = true;
         return;
