@@ -28,16 +28,13 @@ int pauses = 0;
 
 struct ScreenLine {
     PanePoint a, b;
-
-    friend auto operator<=>(const ScreenLine&, const ScreenLine&) = default;
 };
 
 // One order of lines and of each line's ends, every line once.
-template <typename Line>
-void Normalise(std::vector<Line>& lines, auto Line::*one, auto Line::*other) {
-    for (Line& line : lines) {
-        if (line.*other < line.*one) {
-            std::swap(line.*one, line.*other);
+void Normalise(std::vector<ModelLine>& lines) {
+    for (ModelLine& line : lines) {
+        if (line.to < line.from) {
+            std::swap(line.from, line.to);
         }
     }
     std::ranges::sort(lines);
@@ -45,7 +42,7 @@ void Normalise(std::vector<Line>& lines, auto Line::*one, auto Line::*other) {
 }
 
 Item MakeItem(Shape shape, std::vector<ModelLine> lines) {
-    Normalise(lines, &ModelLine::from, &ModelLine::to);
+    Normalise(lines);
     return {shape, std::move(lines)};
 }
 
@@ -64,18 +61,38 @@ PixelRect Touched(const ScreenLine& line, const PixelRect& clip) {
             limit(std::max(line.a.y, line.b.y) + 2, clip.top, clip.bottom)};
 }
 
-void DrawScreenLines(std::vector<ScreenLine>& lines, const PixelRect& clip, Ink ink, bool marks) {
-    Normalise(lines, &ScreenLine::a, &ScreenLine::b);
+// What is drawn by exclusive-or is noted first in a bit that no palette index has, then turned, so that a
+// pixel of several lines is turned once: corners are closed, and a box that is seen edge-on does not cancel
+// itself.
+constexpr std::uint8_t NOTED = 0x80;
+
+void TurnNoted(const PixelRect& area) {
+    for (std::int32_t y = area.top; y < area.bottom; ++y) {
+        std::uint8_t* const row = ViewFrame.Row(y);
+        for (std::int32_t x = area.left; x < area.right; ++x) {
+            if ((row[x] & NOTED) != 0) {
+                row[x] ^= NOTED | COLOUR_LINE;
+            }
+        }
+    }
+}
+
+void DrawScreenLines(const std::vector<ScreenLine>& lines, const PixelRect& clip, Ink ink, bool marks) {
+    const bool turning = ink == Ink::Xor;
+    const std::uint8_t colour = turning ? NOTED : std::uint8_t{COLOUR_LINE};
     PixelRect changed{clip.right, clip.bottom, clip.left, clip.top};
     for (const ScreenLine& line : lines) {
         if (marks) {
-            DrawMark(clip, line.a, COLOUR_LINE, ink);
+            DrawMark(clip, line.a, colour, Ink::Or);
         } else {
-            DrawLine(ViewFrame, clip, line.a, line.b, COLOUR_LINE, ink);
+            DrawLine(ViewFrame, clip, line.a, line.b, colour, Ink::Or);
         }
         const PixelRect touched = Touched(line, clip);
         changed = {std::min(changed.left, touched.left), std::min(changed.top, touched.top),
                    std::max(changed.right, touched.right), std::max(changed.bottom, touched.bottom)};
+    }
+    if (turning) {
+        TurnNoted(changed);
     }
     ViewDamage(changed);
 }

@@ -22,7 +22,7 @@ struct ModelLine {
 void OverlayInit();
 // Forgets the overlay without drawing; the cursor stays.
 void OverlayReset();
-// Lines in model space, in every visible view; screen lines of one call that coincide are drawn once. LINE_OR
+// Lines in model space, in every visible view; a pixel of several lines of one call is drawn once. LINE_OR
 // lines are part of the picture, LINE_XOR lines of the overlay: the same lines a second time take them away.
 void OverlayModelLines(std::vector<ModelLine> lines, LineMode mode);
 // Squares of 3 × 3 pixels at model points, likewise.

@@ -220,6 +220,19 @@ TEST_F(View3D, DrawingALineTwiceRemovesIt) {
     OverlayModelLines(line, LINE_XOR);
     EXPECT_EQ(ViewFrame.pixels, before);
 }
+TEST_F(View3D, AFigureSeenEdgeOnDoesNotCancelItself) {
+    ViewRedraw(WHOLE_AREA, true);
+    const auto before = ViewFrame.pixels;
+    const std::vector<ModelLine> figure = {
+        {{0, 0, 0}, {40, 10, 0}}, {{40, 10, 0}, {10, 30, 0}}, {{10, 30, 0}, {0, 0, 0}}};
+    OverlayModelLines(figure, LINE_XOR);
+    for (int x = 0; x <= 40; ++x) {
+        EXPECT_EQ(At({Views[2].centreX + x, Views[2].centreY}), COLOUR_BACKGROUND ^ COLOUR_LINE);
+    }
+    EXPECT_EQ(At({Views[0].centreX, Views[0].centreY}), COLOUR_BACKGROUND ^ COLOUR_LINE);  // a closed corner
+    OverlayModelLines(figure, LINE_XOR);
+    EXPECT_EQ(ViewFrame.pixels, before);
+}
 TEST_F(View3D, TheCursorComesAndGoesWithoutATrace) {
     ViewRedraw(WHOLE_AREA, true);
     const auto before = ViewFrame.pixels;
