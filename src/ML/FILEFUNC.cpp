@@ -78,6 +78,14 @@ void AppendComponents(std::string& result, std::string_view path) {
     }
 }
 
+std::string CurrentDirectoryName() {
+    const auto name = CurrentDirectory();
+    if (!name) {
+        RuntimeError("%s", "現在のディレクトリの名前はシフトJISで表せないので使えません。"_sjis);
+    }
+    return *name;
+}
+
 std::string FullPath(std::string_view given) {
     std::string path = ToBackslashes(given);
     std::string result = "C:";
@@ -89,7 +97,7 @@ std::string FullPath(std::string_view given) {
     if (path.starts_with('\\')) {
         path.erase(0, 1);
     } else {
-        std::string current = CurrentDirectory().substr(3);
+        std::string current = CurrentDirectoryName().substr(3);
         if (!current.empty() && !current.ends_with('\\')) {
             current += '\\';
         }
@@ -115,7 +123,7 @@ std::int32_t Delete(std::int32_t, std::int32_t argc, DataCell* argv) {
 
 std::int32_t Directory(std::int32_t, std::int32_t argc, DataCell* argv) {
     if (argc == 0) {
-        StackPushString(CurrentDirectory().substr(0, DIRECTORY_BYTES));
+        StackPushString(CurrentDirectoryName().substr(0, DIRECTORY_BYTES));
         return RESULT;
     }
     ArgCheck("dir", argc, argv, {TYPE_OBJECT});

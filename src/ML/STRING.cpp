@@ -115,7 +115,12 @@ std::int32_t ToReal(std::int32_t, std::int32_t argc, DataCell* argv) {
 std::int32_t Environment(std::int32_t, std::int32_t argc, DataCell* argv) {
     const std::string name = Cp932ToUtf8(SelfText(argc, argv));
     const char* value = std::getenv(name.c_str());
-    StackPushString(value == nullptr ? std::string() : Utf8ToCp932Lossy(value));
+    const auto text = Utf8ToCp932(value == nullptr ? "" : value);
+    if (!text) {
+        RuntimeError("環境変数 %s はシフトJISで表せないので使えません。"_sjis,
+                     std::string(SelfText(argc, argv)).c_str());
+    }
+    StackPushString(*text);
     return RESULT;
 }
 

@@ -1,5 +1,6 @@
 #include "host/CONFIG.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@ namespace quelmark {
 namespace {
 
 constexpr std::string_view BLANKS = " \t\r\n\v\f";
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 std::string configPath;
 std::vector<ConfigEntry> entries;
@@ -26,9 +28,13 @@ std::string WithSeparator(std::string_view directory) {
     return text;
 }
 
-std::string Environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? std::string() : Utf8ToCp932Lossy(value);
+// The whole path of a relative one; the path as it is when scripts cannot be told the current directory's
+// name.
+std::string InCurrentDirectory(std::string_view name) {
+    const bool absolute =
+        name.starts_with('\\') || name.starts_with('/') || (name.size() > 1 && name[1] == ':');
+    const auto directory = CurrentDirectory();
+    return !absolute && directory ? WithSeparator(*directory) + std::string(name) : std::string(name);
 }
 
 std::optional<std::string> ReadHostFile(const std::string& path) {
@@ -44,12 +50,16 @@ std::optional<std::string> ReadHostFile(const std::string& path) {
     return text;
 }
 
-bool WriteHostFile(const std::string& path, std::string_view text) {
+// The file gets the permissions of the one whose place it will take.
+bool WriteHostFile(const std::string& path, const std::string& like, std::string_view text) {
     std::FILE* file = std::fopen(path.c_str(), "wb");
     if (file == nullptr) {
         return false;
     }
-    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size() &&
+    struct stat status {};
+    const bool written = ::stat(like.c_str(), &status) == 0 &&
+                         ::fchmod(::fileno(file), status.st_mode & 07777) == 0 &&
+                         std::fwrite(text.data(), 1, text.size(), file) == text.size() &&
                          std::fflush(file) == 0 && ::fsync(::fileno(file)) == 0;
     return std::fclose(file) == 0 && written;
 }
@@ -106,18 +116,13 @@ std::optional<ConfigEntry> ConfigSplit(std::string_view line) {
     return entry;
 }
 
-std::string ConfigDefaultPath(std::string_view programDirectory) {
-    if (std::getenv("MODELPATH") != nullptr) {
-        return Environment("MODELPATH");
+std::string ConfigSearchPath(std::string_view variable, std::string_view value,
+                             std::string_view programDirectory) {
+    std::string path(value);
+    if (variable == "MODELPATH") {
+        return path;
     }
-    std::string path;
-    for (const char* name : {"HOME", "home"}) {
-        if (std::getenv(name) != nullptr) {
-            path = Environment(name) + ";";
-            break;
-        }
-    }
-    const char* separator = "";
+    const char* separator = variable.empty() ? "" : ";";
     for (const char* sub : {"", "MACRO", "QUELMARK", "MODEL"}) {
         path += separator;
         path += programDirectory;
@@ -129,9 +134,7 @@ std::string ConfigDefaultPath(std::string_view programDirectory) {
 
 std::optional<std::string> ConfigFind(std::string_view pathList, std::string_view name) {
     if (PathExists(name)) {
-        const bool absolute =
-            name.starts_with('\\') || name.starts_with('/') || (name.size() > 1 && name[1] == ':');
-        return absolute ? std::string(name) : WithSeparator(CurrentDirectory()) + std::string(name);
+        return InCurrentDirectory(name);
     }
     while (!pathList.empty()) {
         const std::size_t end = std::min(FindFirstOf(pathList, ";"), pathList.size());
@@ -161,7 +164,7 @@ std::optional<std::vector<std::string>> ConfigReadLines(std::string_view path) {
 }
 
 void ConfigKeep(std::string_view path, const std::vector<std::string>& lines) {
-    configPath = path;
+    configPath = InCurrentDirectory(path);  // scripts may change the current directory
     entries.clear();
     for (const std::string& line : lines) {
         auto entry = ConfigSplit(line);
@@ -182,16 +185,18 @@ bool ConfigWrite(std::string_view key, std::string_view value) {
     if (!text || ::access(path->c_str(), W_OK) != 0) {
         return false;
     }
-    const bool utf8 = text->starts_with("\xEF\xBB\xBF");
+    const bool utf8 = text->starts_with(BYTE_ORDER_MARK);
     std::string line(key);
     line += "\t= ";
     line += value;
-    const std::string changed = TextWithEntry(*text, key, utf8 ? Cp932ToUtf8(line) : line, utf8);
+    const std::string_view mark = utf8 ? BYTE_ORDER_MARK : "";
+    const std::string changed = std::string(mark) + TextWithEntry(std::string_view(*text).substr(mark.size()),
+                                                                  key, utf8 ? Cp932ToUtf8(line) : line, utf8);
     const std::size_t dot = path->rfind('.');
     const std::size_t slash = path->rfind('/');
     const bool hasDot = dot != std::string::npos && (slash == std::string::npos || dot > slash);
     const std::string sibling = (hasDot ? path->substr(0, dot) : *path) + ".tmp";
-    if (!WriteHostFile(sibling, changed) || std::rename(sibling.c_str(), path->c_str()) != 0) {
+    if (!WriteHostFile(sibling, *path, changed) || std::rename(sibling.c_str(), path->c_str()) != 0) {
         ::unlink(sibling.c_str());
         return false;
     }

@@ -19,8 +19,10 @@ struct ConfigEntry {
 // Nothing for an empty line or a comment ("#"); a line with a key alone has an empty value.
 std::optional<ConfigEntry> ConfigSplit(std::string_view line);
 
-// The search path in force: MODELPATH, else HOME (or home), the program directory and its subdirectories.
-std::string ConfigDefaultPath(std::string_view programDirectory);
+// The search path that an environment variable gives: the value of MODELPATH as it stands; the directory of
+// HOME or home, or none (""), before the program directory and its subdirectories.
+std::string ConfigSearchPath(std::string_view variable, std::string_view value,
+                             std::string_view programDirectory);
 // A file as given (then with the current directory before it), else in the first directory of the
 // ";"-separated list that has it.
 std::optional<std::string> ConfigFind(std::string_view pathList, std::string_view name);

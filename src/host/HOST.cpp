@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -37,10 +38,12 @@ std::string logPath;                     // host path, empty for no log
 std::string searchPath;
 bool handlersInstalled = false;
 bool started = false;
+bool failed = false;     // an error has been reported
 bool errorKept = false;  // raised inside the window system, not yet in the wait step
 
 struct Settings {
     InterpreterSizes interpreter;
+    std::int32_t codeKilobytes = 64;
     std::int32_t bufferKilobytes = 128, objects = 16, attributes = 256, vertices = 256;
 };
 
@@ -87,6 +90,7 @@ void ShowOnTerminal(std::string_view message) {
 }
 
 void OnError(std::string_view message) {
+    failed = true;
     if (!handlersInstalled) {
         ShowOnTerminal(message);
     } else {
@@ -105,7 +109,8 @@ int OnWarning(std::string_view message) {
 void SetUpLog(const std::string& programPath) {
     if (const char* name = std::getenv("QUELMARKLOG")) {
         logPath = name;
-    } else if (programPath.size() > 4 && programPath[programPath.size() - 4] == '.') {
+    } else if (programPath.size() > 4 && programPath.find_last_of("./") == programPath.size() - 4 &&
+               programPath[programPath.size() - 4] == '.') {
         logPath = programPath.substr(0, programPath.size() - 3) + "log";
     } else {
         logPath.clear();
@@ -131,44 +136,55 @@ std::int32_t ToNumber(const std::string& text) {
         std::clamp(std::strtol(text.c_str(), nullptr, 10), -2147483647L, 2147483647L));
 }
 
-std::int32_t TimesKilobyte(std::int32_t value) {
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(std::int64_t{value} * KILOBYTE, 0, 2147482624));
-}
+// A number of the configuration: its place, the least and the most that the tables behind it can have.
+struct NumberKey {
+    std::string_view key;
+    std::int32_t* place;
+    std::int32_t most;
+    std::string text = {};  // as the file has it
+};
 
-void ApplySetting(Settings& settings, const ConfigEntry& entry) {
-    const std::int32_t number = ToNumber(entry.value);
-    if (entry.key == "CodeSize") {
-        settings.interpreter.codeBytes = TimesKilobyte(number);
-    } else if (entry.key == "Global") {
-        settings.interpreter.globals = number;
-    } else if (entry.key == "Function") {
-        settings.interpreter.functions = number;
-    } else if (entry.key == "Stack") {
-        settings.interpreter.stackCells = number;
-    } else if (entry.key == "BufferSize") {
-        settings.bufferKilobytes = number;
-    } else if (entry.key == "Attr") {
-        settings.attributes = number;
-    } else if (entry.key == "Object") {
-        settings.objects = number;
-    } else if (entry.key == "Vertexs") {
-        settings.vertices = number;
-    } else if (entry.key == "Path") {
-        searchPath = entry.value;
-    }
-}
-
-// Sizes that no table could have are brought to the nearest that it can.
-void LimitSettings(Settings& settings) {
+std::array<NumberKey, 8> NumberKeys(Settings& settings) {
     constexpr std::int32_t TABLE_MOST = 32767;
+    constexpr std::int32_t KILOBYTES_MOST = INT32_MAX / KILOBYTE;
+    constexpr std::int32_t STACK_MOST = 1 << 28;
     InterpreterSizes& sizes = settings.interpreter;
-    sizes.globals = std::clamp(sizes.globals, 0, TABLE_MOST);
-    sizes.functions = std::clamp(sizes.functions, 0, TABLE_MOST);
-    sizes.stackCells = std::clamp(sizes.stackCells, sizes.globals + 256, 1 << 28);
-    settings.objects = std::clamp(settings.objects, 1, TABLE_MOST);
-    settings.attributes = std::clamp(settings.attributes, 1, TABLE_MOST);
-    settings.vertices = std::clamp(settings.vertices, 1, VERTEX_LIMIT - 1);
-    settings.bufferKilobytes = std::max(settings.bufferKilobytes, 1);
+    return {{
+        {"CodeSize", &settings.codeKilobytes, KILOBYTES_MOST},
+        {"Global", &sizes.globals, TABLE_MOST},
+        {"Function", &sizes.functions, TABLE_MOST},
+        {"Stack", &sizes.stackCells, STACK_MOST},
+        {"BufferSize", &settings.bufferKilobytes, KILOBYTES_MOST},
+        {"Attr", &settings.attributes, TABLE_MOST},
+        {"Object", &settings.objects, TABLE_MOST},
+        {"Vertexs", &settings.vertices, VERTEX_LIMIT - 1},
+    }};
+}
+
+Settings ReadSettings(const std::vector<std::string>& lines) {
+    Settings settings;
+    auto keys = NumberKeys(settings);
+    for (const std::string& line : lines) {
+        const auto entry = ConfigSplit(line);
+        if (!entry) {
+            continue;
+        }
+        const auto found = std::ranges::find(keys, entry->key, &NumberKey::key);
+        if (found != keys.end()) {
+            *found->place = ToNumber(entry->value);
+            found->text = entry->value;
+        } else if (entry->key == "Path") {
+            searchPath = entry->value;
+        }
+    }
+    for (const NumberKey& key : keys) {
+        if (*key.place < 0 || *key.place > key.most) {
+            FatalError("設定 %s の値 %s は範囲外です。(0 から %d まで)"_sjis, std::string(key.key).c_str(),
+                       key.text.c_str(), key.most);
+        }
+    }
+    settings.interpreter.codeBytes = settings.codeKilobytes * KILOBYTE;
+    return settings;
 }
 
 void CompileSources(const std::vector<std::string>& lines) {
@@ -219,8 +235,48 @@ bool BreakWanted() {
     return wanted;
 }
 
+// A text of the command line or the environment as cp932; one that cp932 cannot carry ends the program with a
+// message that names where it came from.
+std::string Carried(const std::optional<std::string>& text, const std::string& where) {
+    if (!text) {
+        FatalError("%s はシフトJISで表せないので使えません。"_sjis, where.c_str());
+    }
+    return *text;
+}
+
+struct CommandLine {
+    const std::string& programPath;
+    const std::vector<std::string>& arguments;
+};
+
+void TakeCommandLine(const CommandLine& line) {
+    const bool dump = !line.arguments.empty() && line.arguments[0] == "--dump";
+    SetTrace(dump);
+    const std::string program = Carried(ScriptPath(line.programPath), "プログラムのパス"_sjis);
+    programDirectory = DirectoryPart(program);
+    argumentTexts.assign(1, program);
+    for (std::size_t i = dump ? 1 : 0; i < line.arguments.size(); ++i) {
+        const std::string name = "引数 "_sjis + std::to_string(argumentTexts.size());
+        argumentTexts.push_back(Carried(Utf8ToCp932(line.arguments[i]), name));
+    }
+}
+
+// The search path in force: MODELPATH, else HOME (or home), the program directory and its subdirectories.
+std::string DefaultSearchPath() {
+    for (const char* name : {"MODELPATH", "HOME", "home"}) {
+        if (const char* value = std::getenv(name)) {
+            const std::string text = Carried(Utf8ToCp932(value), "環境変数 "_sjis + std::string(name));
+            return ConfigSearchPath(name, text, programDirectory);
+        }
+    }
+    return ConfigSearchPath("", "", programDirectory);
+}
+
 // Everything up to the scripts' first statement.
-void StartUp(void (*registerLibraries)()) {
+void StartUp(const CommandLine& commandLine, void (*registerLibraries)()) {
+    TakeCommandLine(commandLine);
+    ReaderInit(programDirectory);
+    searchPath = DefaultSearchPath();
     const auto path = ConfigFind(searchPath, CONFIG_NAME);
     if (!path) {
         FatalError("ファイル %s が存在しません。"_sjis, CONFIG_NAME);
@@ -229,13 +285,7 @@ void StartUp(void (*registerLibraries)()) {
     if (!lines) {
         FatalError("ファイル %s がオープンできません。"_sjis, path->c_str());
     }
-    Settings settings;
-    for (const std::string& line : *lines) {
-        if (const auto entry = ConfigSplit(line)) {
-            ApplySetting(settings, *entry);
-        }
-    }
-    LimitSettings(settings);
+    const Settings settings = ReadSettings(*lines);
     InterpreterInit(settings.interpreter);
     registerLibraries();
     ConfigKeep(*path, *lines);
@@ -247,8 +297,7 @@ void StartUp(void (*registerLibraries)()) {
     MenuBarReset();
     DialogReset();
     ButtonsReset();
-    ModelInit(TimesKilobyte(settings.bufferKilobytes), settings.objects, settings.attributes,
-              settings.vertices);
+    ModelInit(settings.bufferKilobytes * KILOBYTE, settings.objects, settings.attributes, settings.vertices);
     if (BufTop == nullptr || AttrRevision == 0) {
         FatalError("%s", "メモリが確保できません。(ModelInit)"_sjis);
     }
@@ -332,18 +381,28 @@ void ShutDown() {
     UsageReport();
 }
 
-int Run(void (*registerLibraries)()) {
+// Unwound before the scripts had run to their end: by an error, or by a wait that found no input left.
+int EndEarly() {
+    if (failed) {
+        if (handlersInstalled) {
+            UsageReport();
+        }
+        return 1;
+    }
+    ShutDown();
+    return 0;
+}
+
+int Run(const CommandLine& commandLine, void (*registerLibraries)()) {
     try {
-        StartUp(registerLibraries);
+        StartUp(commandLine, registerLibraries);
         RunScripts();
     } catch (const ScriptAbort&) {
-        // Unwound before the scripts had run to their end: by an error, or by a wait without any input left.
-        if (!QuitFlag) {
-            if (handlersInstalled) {
-                UsageReport();
-            }
-            return 1;
-        }
+        return EndEarly();
+    } catch (const std::bad_alloc&) {
+        failed = true;
+        ShowOnTerminal("メモリが足りません。"_sjis);
+        return EndEarly();
     }
     ShutDown();
     return 0;
@@ -354,23 +413,13 @@ int Run(void (*registerLibraries)()) {
 int HostMain(Window& mainWindow, const std::string& programPath, const std::vector<std::string>& arguments,
              void (*registerLibraries)()) {
     window = &mainWindow;
-    handlersInstalled = started = errorKept = false;
+    handlersInstalled = started = errorKept = failed = false;
     QuitFlag = false;
     SetUpLog(programPath);
     SetOutputSink(WriteOutput);
     SetTraceSink(WriteLog);
     SetErrorHandlers([](std::string_view message) { OnError(message); }, OnWarning);
-    const std::string program = ScriptPath(programPath).value_or("");
-    programDirectory = DirectoryPart(program);
-    argumentTexts.assign(1, program);
-    const bool dump = !arguments.empty() && arguments[0] == "--dump";
-    for (std::size_t i = dump ? 1 : 0; i < arguments.size(); ++i) {
-        argumentTexts.push_back(Utf8ToCp932(arguments[i]).value_or(""));
-    }
-    SetTrace(dump);
-    ReaderInit(programDirectory);
-    searchPath = ConfigDefaultPath(programDirectory);
-    const int status = Run(registerLibraries);
+    const int status = Run({programPath, arguments}, registerLibraries);
     std::fflush(stdout);
     SetBreakCheck(nullptr);
     InterpreterExit();
@@ -403,12 +452,11 @@ std::string HostArgument(std::int32_t index) {
 }
 
 bool HostMayClose() {
-    if (!started || PaneEvents.canClose < 0) {
+    if (PaneEvents.canClose < 0) {
         return true;
     }
-    const ExecMark mark = ExecTakeMark();
     bool close = false;
-    Guarded(mark, [&close] { close = CallHandler(PaneEvents.canClose, {0}); });
+    HostGuarded([&close] { close = CallHandler(PaneEvents.canClose, {0}); });
     return close;
 }
 
@@ -419,6 +467,10 @@ void HostGuarded(const std::function<void()>& work) {
     } catch (const ScriptAbort&) {
         ExecRecover(mark);
         errorKept = true;
+    } catch (const std::bad_alloc&) {
+        ExecRecover(mark);
+        MessageShow("メモリが足りません。"_sjis);
+        errorKept = failed = true;
     }
 }
 
@@ -438,7 +490,7 @@ void HostDeliverHeld() {
     const InputState now = window->TakeInput();
     QuitFlag = QuitFlag || now.finished;
     if (now.closeRequested && !QuitFlag) {
-        QuitFlag = HostMayClose();
+        QuitFlag = HostMayClose() || QuitFlag;
     }
     Input.left = now.left;
     Input.right = now.right;

@@ -156,24 +156,24 @@ void WaitStep() {
         now = HostWindow().TakeInput();
         QuitFlag = QuitFlag || now.finished;
         if (now.closeRequested && !QuitFlag) {
-            QuitFlag = HostMayClose();
+            QuitFlag = HostMayClose() || QuitFlag;  // the handler itself may have called Quit
+            HostRaiseKept();
         }
         if (QuitFlag) {
             return;
         }
         Pulse();
         PanesRefresh();
-        const bool moved = now.x != Input.x || now.y != Input.y;
+        Input.moved = now.x != Input.x || now.y != Input.y;
         const bool pressed = (now.left && !Input.left) || (now.right && !Input.right);
         if (pressed || now.keyCode != 0) {
             MessageHide();
         }
         pending = now.left == Input.left && now.right == Input.right && now.keyCode == 0 && now.wheel == 0 &&
-                  !((now.left || now.right) && moved);
-        Input.moved = moved;
-        Input.x = now.x;
-        Input.y = now.y;
+                  !((now.left || now.right) && Input.moved);
     }
+    Input.x = now.x;
+    Input.y = now.y;
     Input.left = now.left;
     Input.right = now.right;
     Input.keyCode = now.keyCode;

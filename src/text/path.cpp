@@ -142,12 +142,12 @@ bool PathIsDirectory(std::string_view scriptPath) {
     return path && IsDirectory(*path);
 }
 
-std::string CurrentDirectory() {
+std::optional<std::string> CurrentDirectory() {
     char buffer[PATH_MAX];
     if (::getcwd(buffer, sizeof buffer) == nullptr) {
         return "C:\\";
     }
-    return ScriptPath(buffer).value_or("C:\\");
+    return ScriptPath(buffer);
 }
 
 std::string_view FileNamePart(std::string_view scriptPath) {

@@ -20,8 +20,9 @@ std::optional<std::string> ScriptPath(std::string_view hostPath);
 bool PathExists(std::string_view scriptPath);
 // True when it names a directory.
 bool PathIsDirectory(std::string_view scriptPath);
-// The current directory in drive-letter form; "C:\" when it cannot be told.
-std::string CurrentDirectory();
+// The current directory in drive-letter form ("C:\" when it cannot be told); nothing when cp932 cannot carry
+// it.
+std::optional<std::string> CurrentDirectory();
 // The part after the last `\` or `/`; the part up to and including it ("" when there is none).
 std::string_view FileNamePart(std::string_view scriptPath);
 std::string_view DirectoryPart(std::string_view scriptPath);

@@ -35,8 +35,6 @@ expect "MODELPATH hides HOME" 1 "存在しません。" env HOME=home MODELPATH=
 printf 'print("other");' > other/b.qms
 printf 'Path = other\nSourceFile = b.qms\n' > home/Quelmark.ini
 expect "a Path line replaces the search path" 0 "other" env MODELPATH=home "$program"
-printf 'SourceFile = a.qms\nBufferSize 999999999\nStack -5\nVertexs 100000\nGlobal zzz\nAttr 0\n' > home/Quelmark.ini
-expect "impossible sizes are brought into range" 0 "hello" env MODELPATH=home "$program"
 printf 'CodeSize 1\nSourceFile = long.qms\n' > home/Quelmark.ini
 for i in $(seq 200); do echo "print($i);"; done > home/long.qms
 expect "code that does not fit is fatal" 1 "内部コード用バッファがオーバフローしました。！！" env MODELPATH=home "$program"

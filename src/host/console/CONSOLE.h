@@ -1,19 +1,19 @@
 // A window that exists only in memory, fed from an input file: one event a line.
 #pragma once
 
-#include <deque>
 #include <string>
-#include <vector>
 
 #include "host/WINDOW.h"
+#include "host/console/SESSION.h"
 
 namespace quelmark {
 
 class ConsoleWindow final : public Window {
   public:
-    // Reads the file that QUELMARKINPUT names, if any; exit status 2 when it cannot be read.
+    // Reads the session that QUELMARKINPUT names, if any.
     ConsoleWindow();
 
+    // Without time to wait nothing comes: the next event belongs to the next wait step.
     void Deliver(std::int32_t milliseconds) override;
     InputState TakeInput() override;
     bool TakeBreakKey() override;
@@ -34,25 +34,17 @@ class ConsoleWindow final : public Window {
     std::uint64_t Handle() const override { return 0; }
 
   private:
-    struct Line {
-        int number;
-        std::vector<std::string> words;
-        std::string text;
-    };
-
-    void ReadInput(const char* path);
-    void Perform(const Line& line);
-    void Key(const Line& line);
-    void Mouse(const Line& line);
-    void Menu(const Line& line);
+    void Perform(const SessionEvent& event);
+    void Menu(const SessionEvent& event);
     // Moves the answers that follow now to those already read.
     void CollectAnswers();
-    void Shot(const std::string& path) const;
+    void Shot(const SessionEvent& event) const;
 
-    std::deque<Line> lines_;
-    std::deque<Line> answers_;  // answer, button and file lines that no dialog has taken yet
+    Session events_;
+    Session answers_;  // answer, button and file lines that no dialog has taken yet
     InputState state_;
     std::uint32_t clock_ = 0;
+    std::uint32_t waiting_ = 0;  // milliseconds of a wait line that have not passed yet
     std::int32_t width_ = 1024, height_ = 768;
     std::uint8_t palette_[16][3] = {};
 };
