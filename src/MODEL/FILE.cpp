@@ -84,9 +84,9 @@ std::int32_t WriteFrame(std::int32_t, std::int32_t argc, DataCell* argv) {
         RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, 1, "WriteFrame");
     }
     const Vector background = argc > 3 ? ObjectData<Vector>(argv[3]) : Vector{0, 0, 0};
-    const std::string text =
+    const SufText text =
         FrameText(ObjectData<Matrix>(argv[0]), StringText(argv[2]), background, ViewState.angle);
-    if (SaveReplacing(StringText(argv[1]), text) != SaveResult::saved) {
+    if (text && SaveReplacing(StringText(argv[1]), *text) != SaveResult::saved) {
         Warning("フレームファイルが出力できません"_sjis);
     }
     return NO_RESULT;

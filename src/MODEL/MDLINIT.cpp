@@ -9,6 +9,7 @@
 #include "MODEL/MENU.h"
 #include "MODEL/PICK.h"
 #include "MODEL/POLY.h"
+#include "MODEL/SETDRAW.h"
 #include "MODEL/SYSLIB.h"
 #include "MODEL/VERSET.h"
 #include "MODEL/VIEWLIB.h"
@@ -24,6 +25,7 @@ void ModelLibrariesRegister() {
     ViewLibraryRegister();
     EdgeRegister();
     VertexSetRegister();
+    SetDrawRegister();
     MenuLibraryRegister();
     DialogLibraryRegister();
     SystemLibraryRegister();

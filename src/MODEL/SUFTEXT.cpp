@@ -1,11 +1,13 @@
 #include "MODEL/SUFTEXT.h"
 
 #include <charconv>
+#include <utility>
 #include <vector>
 
 #include "ML/ERROR.h"
 #include "MODEL/OBJ.h"
 #include "MODEL/POLY.h"
+#include "text/cp932.h"
 #include "text/savefile.h"
 #include "text/sjis.h"
 
@@ -14,6 +16,42 @@ namespace {
 
 constexpr double FIXED_12 = 4096;
 constexpr double FIXED_16 = 65536;
+
+// ---- names ----
+
+constexpr std::size_t NAME_BYTES = 31;
+
+bool EndsWord(std::string_view rest) {
+    return static_cast<unsigned char>(rest[0]) <= ' ' || rest[0] == '{' || rest[0] == '}' || rest[0] == '(' ||
+           rest[0] == ')' || rest.starts_with("/*");
+}
+
+// One word for the reader, who looks for nothing in the second byte of a double-byte character.
+bool IsWord(std::string_view name) {
+    for (std::size_t at = 0; at < name.size();) {
+        if (EndsWord(name.substr(at))) {
+            return false;
+        }
+        const bool whole = at + 1 < name.size() && IsTrailByte(static_cast<unsigned char>(name[at + 1]));
+        at += IsLeadByte(static_cast<unsigned char>(name[at])) && whole ? 2 : 1;
+    }
+    return !name.empty();
+}
+
+// False, with a warning, for a name that the reader would not take.
+bool AppendName(std::string& text, std::string_view name) {
+    if (name.size() > NAME_BYTES || !IsWord(name)) {
+        Warning(std::string("名前（"_sjis)
+                    .append(name)
+                    .append(name.size() > NAME_BYTES ? "）が長すぎます。（３１文字まで)"_sjis
+                                                     : "）がおかしい"_sjis));
+        return false;
+    }
+    text += name;
+    return true;
+}
+
+// ---- numbers ----
 
 void AppendReal(std::string& text, const char* format, double value) {
     char number[400];
@@ -116,27 +154,35 @@ void ForEachPolygon(Visit visit) {
 
 // The polygons that are wanted, in model order, as a block of this name.
 template <typename Wanted>
-void AppendObject(std::string& text, std::string_view name, Wanted wanted) {
-    text.append("obj suf ").append(name).append(" {\n");
-    std::int32_t attribute = -1;
+bool AppendObject(std::string& text, std::string_view name, Wanted wanted) {
+    text += "obj suf ";
+    bool good = AppendName(text, name);
+    text += " {\n";
+    std::int32_t attribute = INT32_MIN;  // the first polygon always differs
     ForEachPolygon([&](const PolygonRecord& polygon) {
-        if (!wanted(polygon)) {
+        if (!good || !wanted(polygon)) {
             return;
         }
         if (polygon.attr != attribute) {
             attribute = polygon.attr;
-            text.append("atr ").append(AttributeName(polygon.attr)).append("\n");
+            text += "atr ";
+            good = AppendName(text, AttributeName(polygon.attr));
+            text += "\n";
         }
         AppendPolygon(text, polygon);
     });
     text += "}\n";
+    return good;
 }
 
 }  // namespace
 
-std::string AttributeText(const AttributeRecord& attribute) {
+SufText AttributeText(const AttributeRecord& attribute) {
     std::string text = "atr ";
-    text.append(attribute.name).append(" {\n");
+    if (!AppendName(text, attribute.name)) {
+        return {};
+    }
+    text += " {\n";
     AppendColourLine(text, "col", attribute.col);
     AppendColourLine(text, "tra", attribute.tra);
     AppendColourLine(text, "amb", attribute.amb);
@@ -150,7 +196,11 @@ std::string AttributeText(const AttributeRecord& attribute) {
     AppendOptionalLine(text, "rfr", attribute.rfr);
     AppendOptionalLine(text, "att", attribute.att);
     if (attribute.map == 1 && attribute.mapfile[0] != '\0') {
-        text.append("\tcolormap ( ").append(attribute.mapfile).append(" )\n");
+        text += "\tcolormap ( ";
+        if (!AppendName(text, attribute.mapfile)) {
+            return {};
+        }
+        text += " )\n";
         AppendRectangle(text, "mapsize", attribute.mapsize);
         AppendRectangle(text, "mapview", attribute.mapview);
         AppendRectangle(text, "mapwind", attribute.mapwind);
@@ -158,13 +208,13 @@ std::string AttributeText(const AttributeRecord& attribute) {
     return text + "}\n";
 }
 
-std::string ObjectText(std::string_view name) {
+SufText ObjectText(std::string_view name) {
     std::string text;
-    AppendObject(text, name, [](const PolygonRecord& polygon) { return polygon.select == 1; });
-    return text;
+    const auto selected = [](const PolygonRecord& polygon) { return polygon.select == 1; };
+    return AppendObject(text, name, selected) ? SufText(std::move(text)) : SufText();
 }
 
-std::string ModelText(bool selectedOnly) {
+SufText ModelText(bool selectedOnly) {
     const auto wanted = [selectedOnly](const PolygonRecord& polygon) {
         return !selectedOnly || polygon.select == 1;
     };
@@ -183,24 +233,31 @@ std::string ModelText(bool selectedOnly) {
     std::string text;
     for (std::int32_t i = 0; i < AttributeCount; ++i) {
         if (AttrTable[i].used != 0 && (!selectedOnly || usesAttribute[static_cast<std::size_t>(i)])) {
-            text += AttributeText(AttrTable[i]);
+            const SufText attribute = AttributeText(AttrTable[i]);
+            if (!attribute) {
+                return {};
+            }
+            text += *attribute;
         }
     }
     for (std::int32_t i = 0; i < ObjectTableSize; ++i) {
-        if (IsObject(i) && (!selectedOnly || ofObject[static_cast<std::size_t>(i)] > 0)) {
-            AppendObject(text, ObjTable[i].name,
-                         [&](const PolygonRecord& polygon) { return wanted(polygon) && polygon.obj == i; });
+        const auto ofThis = [&](const PolygonRecord& polygon) { return wanted(polygon) && polygon.obj == i; };
+        if (IsObject(i) && (!selectedOnly || ofObject[static_cast<std::size_t>(i)] > 0) &&
+            !AppendObject(text, ObjTable[i].name, ofThis)) {
+            return {};
         }
     }
-    if (ofNone > 0 || text.empty()) {
-        AppendObject(text, "no",
-                     [&](const PolygonRecord& polygon) { return wanted(polygon) && !IsObject(polygon.obj); });
+    const auto ofNoObject = [&](const PolygonRecord& polygon) {
+        return wanted(polygon) && !IsObject(polygon.obj);
+    };
+    if ((ofNone > 0 || text.empty()) && !AppendObject(text, "no", ofNoObject)) {
+        return {};
     }
     return text;
 }
 
-std::string FrameText(const Matrix& matrix, std::string_view object, const Vector& background,
-                      std::int32_t angle) {
+SufText FrameText(const Matrix& matrix, std::string_view object, const Vector& background,
+                  std::int32_t angle) {
     std::string text;
     if (background.x != 0 || background.y != 0 || background.z != 0) {
         // No line end behind it: renderers have always been given it so.
@@ -218,12 +275,19 @@ std::string FrameText(const Matrix& matrix, std::string_view object, const Vecto
         }
         text += row == 3 ? "1.0\n" : "0.0\n";
     }
-    return text.append("\t)\n\tobj ").append(object).append("\n}\n");
+    text += "\t)\n\tobj ";
+    if (!AppendName(text, object)) {
+        return {};
+    }
+    return text += "\n}\n";
 }
 
-bool SaveBlock(std::string_view fileName, std::string_view text, std::int32_t mode) {
+bool SaveBlock(std::string_view fileName, const SufText& text, std::int32_t mode) {
+    if (!text) {
+        return false;
+    }
     const SaveResult result =
-        mode == FILE_APPEND ? SaveAppending(fileName, text) : SaveReplacing(fileName, text);
+        mode == FILE_APPEND ? SaveAppending(fileName, *text) : SaveReplacing(fileName, *text);
     if (result == SaveResult::notOpened) {
         Warning("ファイルがオープンできません"_sjis);
     }

@@ -28,8 +28,12 @@ struct Vertices {
     bool limited = false;  // a coordinate was out of range
 };
 
+// A position's word, or one of a normal or a mapping, which may be -32768 as well.
 bool Take(ShapeCursor& cursor, std::int16_t& value, bool& limited) {
-    return TakeCoordinate(cursor, value) || TakeAnyCoordinate(cursor, value, limited);
+    return TakeCoordinate(cursor, value) || TakeAnyCoordinate(cursor, value, VERTEX_MIN, limited);
+}
+bool TakeWord(ShapeCursor& cursor, std::int16_t& value, bool& limited) {
+    return TakeCoordinate(cursor, value) || TakeAnyCoordinate(cursor, value, INT16_MIN, limited);
 }
 
 // True, with the cursor behind it, when a `)` comes next.
@@ -58,11 +62,11 @@ Outcome ReadVertices(ShapeCursor& start, Vertices& vertices) {
         VertexRecord v{};
         bool good = Take(cursor, v.x, limited) && Take(cursor, v.y, limited) && Take(cursor, v.z, limited);
         if constexpr ((type & POLY_SHADE) != 0) {
-            good = good && Take(cursor, v.nx, limited) && Take(cursor, v.ny, limited) &&
-                   Take(cursor, v.nz, limited);
+            good = good && TakeWord(cursor, v.nx, limited) && TakeWord(cursor, v.ny, limited) &&
+                   TakeWord(cursor, v.nz, limited);
         }
         if constexpr ((type & POLY_UV) != 0) {
-            good = good && Take(cursor, v.u, limited) && Take(cursor, v.v, limited);
+            good = good && TakeWord(cursor, v.u, limited) && TakeWord(cursor, v.v, limited);
         }
         if (!good) {
             return Outcome::noNumber;

@@ -84,10 +84,6 @@ bool IsPunctuation(char character) {
 bool IsDigit(char character) {
     return character >= '0' && character <= '9';
 }
-bool IsTrailByte(char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte >= 0x40 && byte <= 0xFC && byte != 0x7F;
-}
 bool BeginsComment(const char* at) {
     return at[0] == '/' && at[1] == '*';
 }
@@ -124,7 +120,9 @@ std::string_view TakeWord() {
     const char* start = Shape.at;
     const char* at = start;
     while (at < Shape.end && !IsBlank(*at) && !IsPunctuation(*at) && !BeginsComment(at)) {
-        at += IsLeadByte(static_cast<unsigned char>(*at)) && IsTrailByte(at[1]) ? 2 : 1;
+        at += IsLeadByte(static_cast<unsigned char>(*at)) && IsTrailByte(static_cast<unsigned char>(at[1]))
+                  ? 2
+                  : 1;
     }
     Shape.at = at;
     return {start, static_cast<std::size_t>(at - start)};
@@ -264,13 +262,13 @@ void ShapeResume(const ShapeCursor& cursor) {
     ShapeNext();
 }
 
-bool TakeAnyCoordinate(ShapeCursor& cursor, std::int16_t& value, bool& limited) {
+bool TakeAnyCoordinate(ShapeCursor& cursor, std::int16_t& value, std::int16_t least, bool& limited) {
     constexpr double MOST = COORDINATE_MOST;
     ShapeResume(cursor);
     if (Shape.token != TOKEN_NUMBER) {
         return false;
     }
-    const double whole = std::clamp(std::trunc(Shape.number), -MOST, MOST);
+    const double whole = std::clamp(std::trunc(Shape.number), static_cast<double>(least), MOST);
     limited = limited || whole != std::trunc(Shape.number);
     value = static_cast<std::int16_t>(whole);
     cursor = ShapeCursor{};

@@ -163,9 +163,9 @@ inline bool TakeCoordinate(ShapeCursor& cursor, std::int16_t& value) {
     return true;
 }
 
-// The closer look: comments, fractions (truncated), signs, values out of range (limited; `limited` tells).
-// False, with it as the current token, when there is no number.
-bool TakeAnyCoordinate(ShapeCursor& cursor, std::int16_t& value, bool& limited);
+// The closer look: comments, fractions (truncated), signs, values below `least` or too large (limited;
+// `limited` tells). False, with it as the current token, when there is no number.
+bool TakeAnyCoordinate(ShapeCursor& cursor, std::int16_t& value, std::int16_t least, bool& limited);
 // The token behind the cursor becomes the current one.
 void ShapeResume(const ShapeCursor& cursor);
 

@@ -15,6 +15,11 @@ constexpr bool IsLeadByte(unsigned char byte) {
     return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
 }
 
+// A byte that may be the second of a double-byte character.
+constexpr bool IsTrailByte(unsigned char byte) {
+    return byte >= 0x40 && byte <= 0xFC && byte != 0x7F;
+}
+
 // Bytes that are no cp932 character become U+FFFD.
 std::string Cp932ToUtf8(std::string_view cp932);
 // Nothing when a character has no cp932 form, or the text is not UTF-8.

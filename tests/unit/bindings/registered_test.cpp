@@ -54,9 +54,9 @@ constexpr Names FUNCTIONS[] = {
     {"", "UndoMark Undo Redo UndoRestore UndoCancel UndoText RedoText UndoClear UndoSaved UndoMemory"},
     {"VertexSet",
      "tostring VertexSelect VertexGetVertex Vertexs VertexPositionVertex "
-     "VertexSelectPosition"},
+     "VertexSelectPosition DrawVertex"},
     {"", "Edge EdgeSelect"},
-    {"Edge", "tostring EdgeSelect Edges EdgeGetVertex EdgeGetCount EdgeVertex EdgeSelectCount"},
+    {"Edge", "tostring EdgeSelect Edges EdgeGetVertex EdgeGetCount EdgeVertex EdgeSelectCount DrawEdge"},
 };
 
 struct Operators {

@@ -97,7 +97,7 @@ TEST_F(Writer, WithNothingSelectedAnObjectIsItsHeaderAndItsBrace) {
 
 TEST_F(Writer, AnAttributeNumberThatNamesNoneIsWrittenAsNo) {
     Append(POLY_SIMPLE, 999, {{0, 0, 0, 0, 0, 0, 0, 0}, {1, 0, 0, 0, 0, 0, 0, 0}, {0, 1, 0, 0, 0, 0, 0, 0}});
-    EXPECT_NE(ObjectText("o").find("atr no\n"), std::string::npos);
+    EXPECT_NE(ObjectText("o")->find("atr no\n"), std::string::npos);
 }
 
 TEST_F(Writer, ANewAttributeHasItsFiveLines) {
@@ -211,6 +211,57 @@ TEST_F(Writer, FilesThatCannotBeOpenedGiveTheirMessages) {
     warnings.clear();
     RunMore("WriteFrame(UNIT_MATRIX, \"no/such/f\", \"b\");");
     EXPECT_EQ(warnings, "フレームファイルが出力できません\n");
+}
+
+TEST_F(Writer, ANameThatCannotBeReadBackIsRefusedAndNothingIsWritten) {
+    Put("o.suf", "old");
+    const auto refused = [&](const std::string& statements) {
+        warnings.clear();
+        ModelExit();
+        ModelInit(1 << 20, 16, 64, 1023);
+        const std::string printed =
+            Run("PolyVertexs(3); PolyAppend(1); AttrAppend(\"a\", 7); ObjAppend(\"o\", \"o.suf\"); " +
+                statements);
+        EXPECT_EQ(Get("o.suf"), "old");
+        return printed + "|" + warnings;
+    };
+    EXPECT_EQ(refused("ObjName(0, \"my box\"); print(WriteFile(0), WriteFile(0, FILE_APPEND));"),
+              "0 0|名前（my box）がおかしい\n名前（my box）がおかしい\n");
+    EXPECT_EQ(refused("AttrName(0, \"a(1)\"); print(WriteFile(0), AttrWriteFile(\"o.suf\", 0));"),
+              "0 0|名前（a(1)）がおかしい\n名前（a(1)）がおかしい\n");
+    EXPECT_EQ(refused("AttrName(0, \"a/*b\"); print(WriteModel(\"o.suf\"), WriteModel(\"o.suf\", TRUE));"),
+              "FALSE FALSE|名前（a/*b）がおかしい\n名前（a/*b）がおかしい\n");
+    EXPECT_EQ(
+        refused(
+            "ObjName(ObjAppend(\"}\", \"\"), \"\"); ObjAppend(\"}\", \"\"); print(WriteModel(\"o.suf\"));"),
+        "FALSE|名前（}）がおかしい\n");
+    EXPECT_EQ(refused("AttrName(0, \"\"); print(AttrWriteFile(\"o.suf\", 0));"), "0|名前（）がおかしい\n");
+    EXPECT_EQ(refused("AttrMap(0, 1); AttrMapFile(0, \"my map.bmp\"); print(AttrWriteFile(\"o.suf\", 0));"),
+              "0|名前（my map.bmp）がおかしい\n");
+    EXPECT_EQ(refused("AttrMap(0, 1); AttrMapFile(0, \"C:\\\\textures\\\\wood\\\\planks00001.bmp\");\n"
+                      "print(AttrWriteFile(\"o.suf\", 0));"),
+              "0|名前（C:\\textures\\wood\\planks00001.bmp）が長すぎます。（３１文字まで)\n");
+    EXPECT_EQ(refused("WriteFrame(UNIT_MATRIX, \"o.suf\", \"a b\");"), "|名前（a b）がおかしい\n");
+    EXPECT_EQ(FilesHere(), 1U);
+}
+
+TEST_F(Writer, NamesThatLookLikeWordsOfTheFormatAreReadBack) {
+    EXPECT_EQ(
+        Run("var i, names = {\"red\", \"obj\", \"12\", \"-0.5\", \"private\", \"suf\", \"a*/b\", \"マ\"};\n"
+            "PolyVertexs(3);\n"
+            "for (i = 0; i < 8; i++) {\n"
+            "    PolyAttr(AttrAppend(names[i], i % 8)); PolyObj(ObjAppend(names[i], \"n.suf\")); "
+            "PolyAppend(1);\n"
+            "}\n"
+            "print(WriteModel(\"n.suf\"));\n"
+            "SelectAll(1, SELECT_UPDATE); PolyDelete();\n"
+            "for (i = 7; i >= 0; i--) { ObjDelete(i); AttrDelete(i); }\n"
+            "print(Objects(), Attrs(), ReadFile(\"n.suf\"), Objects(), Attrs());\n"
+            "for (i = 0; i < 8; i++) print(ObjName(i) == names[i], AttrName(i) == names[i], "
+            "AttrPolygons(i));\n"),
+        "TRUE0 0 1 8 8TRUE TRUE 1TRUE TRUE 1TRUE TRUE 1TRUE TRUE 1TRUE TRUE 1TRUE TRUE 1TRUE TRUE 1TRUE TRUE "
+        "1");
+    EXPECT_EQ(warnings, "");
 }
 
 // ---- what becomes of the old file ----
@@ -360,12 +411,12 @@ TEST_F(Writer, ThousandsOfRandomModelsAreReadBackIdentical) {
         for (int i = 0; i < attributes; ++i) {
             AttrAlloc(models.Name());
             AttrTable[i].col = {static_cast<std::int16_t>(models.Number(-400, 400) * 32), 512, 0, 0};
-            file += AttributeText(AttrTable[i]);
+            file += *AttributeText(AttrTable[i]);
         }
         for (int i = models.Number(0, 12); i > 0; --i) {
             models.Polygon(static_cast<std::int16_t>(models.Number(0, attributes - 1)));
         }
-        file += ObjectText(ObjTable[0].name);
+        file += *ObjectText(ObjTable[0].name);
         const std::string polygons(BufTop, BufNext);
         Put("r.suf", file);
         ModelExit();
@@ -376,9 +427,9 @@ TEST_F(Writer, ThousandsOfRandomModelsAreReadBackIdentical) {
         ASSERT_EQ(ObjTable[0].name, object);
         std::string again;
         for (int i = 0; i < attributes; ++i) {
-            again += AttributeText(AttrTable[i]);
+            again += *AttributeText(AttrTable[i]);
         }
-        ASSERT_EQ(again + ObjectText(ObjTable[0].name), file);
+        ASSERT_EQ(again + *ObjectText(ObjTable[0].name), file);
     }
 }
 

@@ -1,4 +1,5 @@
 // Every message of the readers, with its file, line and token, and what a fault leaves in the model.
+#include <chrono>
 #include <clocale>
 
 #include "reader/report.h"
@@ -275,6 +276,42 @@ TEST_F(Faults, ALineOfMegabytesIsNoTrouble) {
     EXPECT_FALSE(Read("obj suf o {" + std::string(5'000'000, '(')));
     EXPECT_FALSE(Read("obj suf o { atr a prim poly ( " + std::string(5'000'000, '9')));
     EXPECT_LT(messages.size(), 10U);
+}
+
+// A line of 100 MB: what it holds is read whole, or the reason why not is told, and soon.
+TEST_F(Faults, ALineOfAHundredMegabytesIsReadOrRefusedInLittleTime) {
+    constexpr std::size_t BYTES = 100'000'000;
+    constexpr double SECONDS_MOST = 60;  // a fraction of it on an idle machine
+    Model(300 << 20);
+    const std::string triangle = "prim poly ( -32767 0 0 0 32767 0 1000 0 -1000 ) ";
+    const auto polygons = BYTES / triangle.size();
+    const auto begin = std::chrono::steady_clock::now();
+    {
+        std::ofstream file("t.suf", std::ios::binary);
+        file << "obj suf o { atr a ";
+        for (std::size_t i = 0; i < polygons; ++i) {
+            file << triangle;
+        }
+        file << "}";
+    }
+    EXPECT_TRUE(ReadShapeFile("t.suf", 1));
+    EXPECT_EQ(messages, Lines{});
+    EXPECT_EQ(SelectCount, static_cast<std::int32_t>(polygons));
+
+    std::filesystem::resize_file("t.suf",
+                                 std::filesystem::file_size("t.suf") - 10);  // inside the last polygon
+    Model(300 << 20);
+    EXPECT_FALSE(ReadShapeFile("t.suf", 1));
+    EXPECT_EQ(messages, Lines{"t.suf  1 : エンドオブファイルになりました   next token="});
+    EXPECT_EQ(SelectCount, static_cast<std::int32_t>(polygons) - 1);
+
+    messages.clear();
+    Put("t.suf", std::string(BYTES, 'x'));
+    EXPECT_FALSE(ReadShapeFile("t.suf", 1));
+    EXPECT_EQ(messages,
+              Lines{"t.suf  1 : 形状ファイルではありません。   next token=" + std::string(127, 'x')});
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    EXPECT_LT(taken.count(), SECONDS_MOST);
 }
 
 TEST_F(Faults, NulBytesAreBlanks) {

@@ -124,6 +124,24 @@ TEST_F(ObjectBlocks, CoordinatesBeyondTheRangeAreLimitedWithOneWarningAFile) {
     EXPECT_EQ(messages, Lines{"t.suf  2 : 警告：座標が範囲を越えたので制限しました。   next token=)"});
 }
 
+TEST_F(ObjectBlocks, NormalsAndMappingTakeEverySixteenBitNumber) {
+    EXPECT_TRUE(
+        Read(Block("atr a prim uvshade ( 0 0 0 -32768 32767 -32768 -32768 32767  1 0 0 0 0 256 0 0\n"
+                   "0 1 0 0 0 256 0 -32768.9 )\n")));
+    EXPECT_EQ(messages, Lines{});
+    const VertexRecord* v = Polygons()[0]->vertex;
+    EXPECT_EQ(v[0].nx, -32768);
+    EXPECT_EQ(v[0].ny, 32767);
+    EXPECT_EQ(v[0].nz, -32768);
+    EXPECT_EQ(v[0].u, -32768);
+    EXPECT_EQ(v[0].v, 32767);
+    EXPECT_EQ(v[2].v, -32768);
+    EXPECT_TRUE(Read(Block("atr a prim shade ( 0 0 0 -32769 32768 0  1 0 0 0 0 0  0 1 0 0 0 0 )\n")));
+    EXPECT_EQ(messages, Lines{"t.suf  2 : 警告：座標が範囲を越えたので制限しました。   next token=)"});
+    EXPECT_EQ(Polygons()[1]->vertex[0].nx, -32768);
+    EXPECT_EQ(Polygons()[1]->vertex[0].ny, 32767);
+}
+
 TEST_F(ObjectBlocks, AFileWithAByteOrderMarkIsUtf8) {
     Put("u.suf", "\xEF\xBB\xBFobj suf 家 { atr 壁 " + TRIANGLE + "}");
     EXPECT_TRUE(ReadShapeFile("u.suf", 1));
