@@ -1,16 +1,25 @@
 #include "MODEL/BULK.h"
 
+#include <algorithm>
+
 #include "MODEL/OBJ.h"
 #include "MODEL/TRANSFORM.h"
 
 namespace quelmark {
 namespace {
 
-std::int16_t Limited(std::int32_t value, std::int32_t least, std::int32_t most) {
-    if (value < least) {
-        value = least;
-    }
-    return CutTo16(value > most ? most : value);
+// A mapping coordinate: one column of the matrix, rounded to the nearest with halves toward zero, within its
+// limits. The sum is not cut to 32 bits, so that what a matrix throws far out ends at the limit on its side.
+std::int16_t Mapped(const FixedMatrix& matrix, int column, const VertexRecord& v, std::int32_t least,
+                    std::int32_t most) {
+    const auto product = [&](int row, std::int16_t word) {
+        return std::int64_t{word} * matrix.element[row][column];
+    };
+    const std::int64_t sum = product(0, v.x) + product(1, v.y) + product(2, v.z) + matrix.fraction[column];
+    std::int64_t value = matrix.translation[column];
+    value += sum < 1 ? -((0x7FFF - sum) >> 16) : (sum + 0x7FFF) >> 16;
+    return CutTo16(
+        static_cast<std::int32_t>(std::min<std::int64_t>(std::max<std::int64_t>(value, least), most)));
 }
 
 }  // namespace
@@ -65,8 +74,8 @@ void PolygonMap(const Matrix& matrix, const MapLimits& limits) {
         }
         polygon->type |= POLY_UV;
         for (VertexRecord& v : polygon->Vertices()) {
-            v.u = Limited(FixedRounded(fixed, 0, v.x, v.y, v.z), limits.uMin, limits.uMax);
-            v.v = Limited(FixedRounded(fixed, 1, v.x, v.y, v.z), limits.vMin, limits.vMax);
+            v.u = Mapped(fixed, 0, v, limits.uMin, limits.uMax);
+            v.v = Mapped(fixed, 1, v, limits.vMin, limits.vMax);
         }
         ObjMarkEdited(polygon->obj);
     }

@@ -157,7 +157,7 @@ std::array<NumberKey, 8> NumberKeys(Settings& settings) {
         {"BufferSize", &settings.bufferKilobytes, KILOBYTES_MOST},
         {"Attr", &settings.attributes, TABLE_MOST},
         {"Object", &settings.objects, TABLE_MOST},
-        {"Vertexs", &settings.vertices, VERTEX_LIMIT - 1},
+        {"Vertexs", &settings.vertices, TABLE_MOST},
     }};
 }
 

@@ -13,9 +13,12 @@ for key in CodeSize Global Function Stack BufferSize Object Attr Vertexs; do
             { echo "$key $value is out of range: $status $printed"; failures=1; }
     done
 done
+config 'Vertexs 32768'
+run --
+is "numbers of vertices are words of a record" 1 "Fatal 設定 Vertexs の値 32768 は範囲外です。(0 から 32767 まで)"
 config 'Vertexs 1024'
 run --
-is "a polygon has 1023 vertices at most" 1 "Fatal 設定 Vertexs の値 1024 は範囲外です。(0 から 1023 まで)"
+is "the edit buffer may be larger than a record" 0 "hello"
 config 'Global = many'
 script 'var a; a = 1;'
 run --

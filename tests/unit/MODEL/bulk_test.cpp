@@ -110,6 +110,14 @@ TEST_F(Bulk, MapKeepsTheCoordinatesWithinTheLimits) {
     EXPECT_EQ(Polygon(0).vertex[0].u, 32767);
     EXPECT_EQ(Polygon(0).vertex[0].v, -32767);
 }
+TEST_F(Bulk, MapFarBeyondTheLimitsEndsAtTheLimitOnItsSide) {
+    Script("tri(100, -400, 0, 32767, -32767, 0, -1, 1, 0); PolyMap(1, UNIT_MATRIX.scale(1000, 30000, 1));");
+    EXPECT_EQ(Polygon(0).vertex[0].u, 32767);
+    EXPECT_EQ(Polygon(0).vertex[0].v, -32767);
+    EXPECT_EQ(Polygon(0).vertex[1].u, 32767);
+    EXPECT_EQ(Polygon(0).vertex[2].u, -1000);
+    EXPECT_EQ(Polygon(0).vertex[2].v, 30000);
+}
 TEST_F(Bulk, MapWithFlagZeroClearsTheTypeAndKeepsTheCoordinatesUntilASave) {
     Script("tri(3, -4, 0, 1, -1, 0, 5, 7, 2); PolyMap(1); PolyMap(0);");
     EXPECT_EQ(Polygon(0).type, POLY_SIMPLE);
