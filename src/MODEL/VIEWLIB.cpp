@@ -85,7 +85,7 @@ void StorePers2D(const DataCell& array, PanePoint p) {
 
 std::int32_t Cursor2D(std::int32_t, std::int32_t, DataCell* argv) {
     const ViewRecord& view = Views[ViewIndex(WIN_PERS)];
-    const EyePoint eye = ViewToEye(CursorPosition());
+    const EyePoint eye = ViewToEye(ViewConverted(CursorPosition()));
     StorePers2D(argv[0], eye.x >= 1 ? ViewProjectEye(eye) : PanePoint{view.centreX, view.centreY});
     return NO_RESULT;
 }

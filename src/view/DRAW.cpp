@@ -19,9 +19,9 @@ void Prepare(std::int32_t mask) {
     PersPrepare(mask);
 }
 
-void DrawPolygon(const PolygonRecord& polygon, std::uint8_t colour) {
-    FlatPolygon(polygon, colour);
-    PersPolygon(polygon, colour);
+void DrawPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks) {
+    FlatPolygon(polygon, colour, marks);
+    PersPolygon(polygon, colour, marks);
 }
 
 std::uint8_t AttributeColour(std::int16_t attribute) {
@@ -33,7 +33,7 @@ std::uint8_t AttributeColour(std::int16_t attribute) {
 void DrawInvisiblePolygons() {
     for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
         if ((polygon->flags & POLYGON_INVISIBLE) != 0) {
-            DrawPolygon(*polygon, COLOUR_INVISIBLE);
+            DrawPolygon(*polygon, COLOUR_INVISIBLE, Marks::None);
         }
     }
 }
@@ -53,12 +53,12 @@ void DrawModel() {
             firstSelected = firstSelected == nullptr ? polygon : firstSelected;
             lastSelected = polygon;
         } else {
-            DrawPolygon(*polygon, AttributeColour(polygon->attr));
+            DrawPolygon(*polygon, AttributeColour(polygon->attr), Marks::AsSet);
         }
     }
     for (PolygonRecord* polygon = firstSelected; polygon != nullptr; polygon = PolygonNext(polygon)) {
         if (polygon->select != 0 && (polygon->flags & POLYGON_INVISIBLE) == 0) {
-            DrawPolygon(*polygon, COLOUR_SELECTED);
+            DrawPolygon(*polygon, COLOUR_SELECTED, Marks::AsSet);
         }
         if (polygon == lastSelected) {
             return;
@@ -135,7 +135,7 @@ bool ViewDrawCurrent(bool exclusiveOr) {
     if (drawing) {
         const OverlayPause pause;
         Prepare(VisibleViews);
-        DrawPolygon(*CurrentPolygon, COLOUR_SELECTED);
+        DrawPolygon(*CurrentPolygon, COLOUR_SELECTED, Marks::AsSet);
         DamageViews(VisibleViews);
     }
     return true;

@@ -5,8 +5,6 @@
 #include <cstring>
 #include <limits>
 
-#include "view/PERS.h"
-
 namespace quelmark {
 namespace {
 
@@ -38,7 +36,7 @@ constexpr std::int32_t REDUCE_MOST = 1 << 21;  // beyond it every near coordinat
 
 FlatView views[3];
 int viewCount = 0;
-bool marks = false;
+bool marking = false;
 Path path = Path::Careful;
 Lanes centre{};
 Lanes factor{};
@@ -258,7 +256,7 @@ void FlatPrepare(std::int32_t mask) {
             views[viewCount++] = FlatViewOf(bit);
         }
     }
-    marks = (ViewState.visibleVertex | ViewState.visibleVector | ViewState.visiblePolyVector) != 0;
+    marking = (ViewState.visibleVertex | ViewState.visibleVector | ViewState.visiblePolyVector) != 0;
     const bool simple = !ViewState.converting && IsNear(ViewState.centre);
     path = Path::Careful;
     if (simple && ViewState.denominator == 1 && ViewState.numerator <= ENLARGE_MOST) {
@@ -285,9 +283,10 @@ void FlatGround() {
     }
 }
 
-void FlatPolygon(const PolygonRecord& polygon, std::uint8_t colour) {
+void FlatPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks) {
+    const bool marked = marking && marks == Marks::AsSet;
     // A conversion moves polygons anywhere, and a vector reaches 20 pixels out of its polygon.
-    if (viewCount == 0 || (!ViewState.converting && !marks && IsOutside(polygon))) {
+    if (viewCount == 0 || (!ViewState.converting && !marked && IsOutside(polygon))) {
         return;
     }
     const bool far = Project(polygon);
@@ -297,7 +296,7 @@ void FlatPolygon(const PolygonRecord& polygon, std::uint8_t colour) {
         } else {
             DrawOutline(static_cast<std::size_t>(polygon.vers), views[i], colour);
         }
-        if (marks) {
+        if (marked) {
             DrawMarks(polygon, views[i], colour);
         }
     }

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "view/VIEW.h"
+#include "view/PERS.h"
 
 namespace quelmark {
 
@@ -11,7 +11,7 @@ namespace quelmark {
 void FlatPrepare(std::int32_t mask);
 // Background and grid.
 void FlatGround();
-// A closed outline with the marks and vectors that are on, in every view of the mask.
-void FlatPolygon(const PolygonRecord& polygon, std::uint8_t colour);
+// A closed outline in every view of the mask.
+void FlatPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks);
 
 }  // namespace quelmark

@@ -165,7 +165,7 @@ void ViewLayout(std::int32_t width, std::int32_t height, std::int32_t lineHeight
 
 void ViewSetMask(std::int32_t mask) {
     const OverlayPause pause;
-    VisibleViews = mask & WIN_ALL;
+    VisibleViews = mask;
     PlaceViews();
     FillRect(ViewFrame, ViewFrame.Bounds(), COLOUR_BACKGROUND);
     ViewDamage(ViewFrame.Bounds());

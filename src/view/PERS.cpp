@@ -92,7 +92,7 @@ void PersGround() {
     }
 }
 
-void PersPolygon(const PolygonRecord& polygon, std::uint8_t colour) {
+void PersPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks) {
     if (!shown || (ViewState.frontOnly && !ViewFacesViewer(polygon))) {
         return;
     }
@@ -114,7 +114,8 @@ void PersPolygon(const PolygonRecord& polygon, std::uint8_t colour) {
             previous = screen[i];
         }
     }
-    if ((ViewState.visibleVertex | ViewState.visibleVector | ViewState.visiblePolyVector) != 0) {
+    if (marks == Marks::AsSet &&
+        (ViewState.visibleVertex | ViewState.visibleVector | ViewState.visiblePolyVector) != 0) {
         DrawMarks(polygon, colour);
     }
 }

@@ -7,6 +7,9 @@
 
 namespace quelmark {
 
+// Whether a polygon is drawn with the vertex marks and vectors that are on: what is invisible goes without.
+enum class Marks : bool { None, AsSet };
+
 // The screen line of an eye-space segment, clipped at the near plane; false when it lies behind it. The same
 // in both directions.
 bool ProjectEyeLine(const EyePoint& from, const EyePoint& to, PanePoint& a, PanePoint& b);
@@ -14,8 +17,8 @@ bool ProjectEyeLine(const EyePoint& from, const EyePoint& to, PanePoint& a, Pane
 // A redraw of the perspective view: made ready by its mask, which may leave the view out.
 void PersPrepare(std::int32_t mask);
 void PersGround();
-// A closed outline with the marks and vectors that are on; what faces away is left out when that is wanted.
-void PersPolygon(const PolygonRecord& polygon, std::uint8_t colour);
+// A closed outline; what faces away is left out when that is wanted.
+void PersPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks);
 
 // Shared with the orthographic views.
 // A square of 3 × 3 pixels.

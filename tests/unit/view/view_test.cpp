@@ -184,6 +184,19 @@ TEST_F(View3D, InvisiblePolygonsAreDrawnOnRequest) {
     ViewRedraw(WHOLE_AREA, true);
     EXPECT_GT(Count(COLOUR_INVISIBLE, WIN_XY), 140);
 }
+TEST_F(View3D, InvisiblePolygonsHaveNoMarks) {
+    Triangle(0, 0, 0, 50, 0, 0, 0, 50, 0);
+    PolygonTop()->flags = POLYGON_INVISIBLE;
+    ViewState.drawInvisible = true;
+    ViewRedraw(WHOLE_AREA, true);
+    const auto plain = ViewFrame.pixels;
+    ViewState.visibleVertex = ViewState.visiblePolyVector = 1;
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(ViewFrame.pixels, plain);
+    PolygonTop()->flags = 0;
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(At({201, 151}), 7);
+}
 TEST_F(View3D, ARedrawWithoutClearingKeepsWhatIsThere) {
     ViewRedraw(WHOLE_AREA, true);
     ViewFrame.Row(5)[5] = 1;
