@@ -19,6 +19,10 @@ std::int32_t Emit(Opcode op, std::uint16_t a, std::uint16_t b, std::uint16_t c, 
     return CodeEmit({op, a, b, c, 0, value});
 }
 
+bool IsLastTemporary(std::uint16_t slot) {
+    return IsTemporary(slot) && (slot & ~TEMPORARY) + 1 == temporaries;
+}
+
 struct ArithmeticRow {
     std::int32_t code;
     Opcode slotSlot;  // the INT and REAL forms follow
@@ -130,7 +134,7 @@ void EmitBinary(NodeId node, std::uint16_t slot) {
         Emit(FormOf(RowOf(ARITHMETIC, innermost.index)->slotSlot, constant.form), left, right, 1,
              constant.value);
     } else {
-        left = EmitLeft(leftmost, innermost.right);
+        left = EmitLeft(leftmost, innermost.right, slot);
     }
     while (step-- > 0) {
         const Node binary = NodeOf(chain[step]);
@@ -255,13 +259,13 @@ Operand EmitOperand(NodeId node) {
     return IsNumber(node) ? ConstantOperand(NodeOf(node).cell) : Operand{Form::Slot, EmitValue(node), 0};
 }
 
-std::uint16_t EmitLeft(NodeId left, NodeId right) {
-    if (NodeOf(left).kind == NodeKind::Slot && NodeOf(right).calls) {
-        const std::uint16_t copy = EmitTemporary();
-        EmitInto(left, copy);
-        return copy;
+std::uint16_t EmitLeft(NodeId left, NodeId right, std::uint16_t room) {
+    if (NodeOf(left).kind == NodeKind::Slot && !NodeOf(right).calls) {
+        return EmitValue(left);
     }
-    return EmitValue(left);
+    const std::uint16_t slot = IsLastTemporary(room) ? room : EmitTemporary();
+    EmitInto(left, slot);
+    return slot;
 }
 
 void EmitArithmetic(std::uint16_t slot, std::int32_t code, std::uint16_t left, const Operand& right) {
@@ -321,8 +325,7 @@ void EmitInto(NodeId id, std::uint16_t slot) {
             break;
         case NodeKind::Call: {
             // The last temporary taken may be where the result lands by itself.
-            const bool lands = IsTemporary(slot) && (slot & ~TEMPORARY) + 1 == temporaries;
-            temporaries -= lands ? 1 : 0;
+            temporaries -= IsLastTemporary(slot) ? 1 : 0;
             const std::uint16_t result = EmitCall(id, Opcode::CALL);
             if (result != slot) {
                 Emit(Opcode::MOVE, slot, result, 0);
@@ -330,7 +333,8 @@ void EmitInto(NodeId id, std::uint16_t slot) {
             break;
         }
         case NodeKind::Unary:
-            Emit(node.index == OP_NOT ? Opcode::NOT : Opcode::NEGATE, slot, EmitValue(node.left), 0);
+            Emit(node.index == OP_NOT ? Opcode::NOT : Opcode::NEGATE, slot,
+                 EmitLeft(node.left, node.left, slot), 0);
             break;
         case NodeKind::Binary:
             EmitBinary(id, slot);

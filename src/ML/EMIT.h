@@ -51,8 +51,11 @@ struct Operand {
     std::int32_t value = 0;
 };
 Operand EmitOperand(NodeId node);
-// A left operand. When the right one may run script code, a variable is read before it does.
-std::uint16_t EmitLeft(NodeId left, NodeId right);
+// No slot: an operand takes a temporary of its own.
+inline constexpr std::uint16_t NO_ROOM = 0;
+// A left operand. When the right one may run script code, a variable is read before it does. It rests in the
+// temporary `room` when that is the last one taken.
+std::uint16_t EmitLeft(NodeId left, NodeId right, std::uint16_t room = NO_ROOM);
 // slot = left op right.
 void EmitArithmetic(std::uint16_t slot, std::int32_t code, std::uint16_t left, const Operand& right);
 

@@ -39,6 +39,9 @@ void ExecPoll();
 std::int32_t Execute();
 // Calls a script function with the arguments on top of the stack; as CallFunction.
 std::int32_t ExecCall(const ScriptFunction& function, std::int32_t argc, DataCell* argv);
+// The index of the top cell as a script knows it: cells held ready for temporaries do not count. For a
+// built-in with these arguments.
+std::int32_t ExecVisibleTop(const DataCell* argv, std::int32_t argc);
 [[noreturn]] void ReportOverflow();
 
 bool TraceIsOn();

@@ -109,6 +109,23 @@ SourcePosition ExecPosition() {
     return CodePositionOf(static_cast<std::int32_t>(CurrentFrame->at - Code.data()) - 1);
 }
 
+// In a frame, the cells between the temporaries in use and its arrays or its callee are passed over: of a
+// cell at or above the callee's base, as many as stood in use below it remain.
+std::int32_t ExecVisibleTop(const DataCell* argv, std::int32_t argc) {
+    std::int32_t hidden = 0;
+    if (CurrentFrame == Frames || Frames[1].function != &topLevelFunction) {
+        hidden = topLevelFunction.cells - topLevelFunction.locals;
+    }
+    for (const Frame* frame = Frames + 1; frame <= CurrentFrame; ++frame) {
+        const DataCell* const next = frame == CurrentFrame ? argv : frame[1].base;
+        const DataCell* const behind = StackBuf + frame->top + 1;
+        if (next > behind) {  // the frame's arrays lie between
+            hidden += static_cast<std::int32_t>(behind - (frame->base + (frame->at - 1)->a));
+        }
+    }
+    return static_cast<std::int32_t>(argv - StackBuf) + argc - 1 - hidden;
+}
+
 ExecMark ExecTakeMark() {
     return {StackTop(), static_cast<std::int32_t>(CurrentFrame - Frames), Nesting};
 }

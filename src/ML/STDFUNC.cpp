@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ML/ERROR.h"
+#include "ML/EXEC.h"
 #include "ML/FUNC.h"
 #include "ML/OPERATE.h"
 #include "ML/STRING.h"
@@ -96,8 +97,8 @@ std::int32_t ObjectCountOf(std::int32_t, std::int32_t, DataCell*) {
     return RESULT;
 }
 
-std::int32_t StackPtrOf(std::int32_t, std::int32_t, DataCell*) {
-    StackPushInt(StackPtr);
+std::int32_t StackPtrOf(std::int32_t, std::int32_t argc, DataCell* argv) {
+    StackPushInt(ExecVisibleTop(argv, argc));
     return RESULT;
 }
 
