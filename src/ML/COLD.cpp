@@ -26,6 +26,15 @@ void Deliver(const Frame& frame, std::uint16_t slot, OperandCell source) {
     Assign(frame.base + slot, source);
 }
 
+// The element that a further subscript applies to; an unassigned one holds no array.
+DataCell* RowAt(const Instruction& i, const Frame& frame) {
+    DataCell* const row = ElementAt(frame.base[i.b], frame.base[i.c]);
+    if (row->type != TYPE_ARRAY) {
+        ReportNoElement();
+    }
+    return row;
+}
+
 }  // namespace
 
 void OperateSlots(std::int32_t code, const Instruction& i, const Frame& frame) {
@@ -132,12 +141,16 @@ void SetElement(const Instruction& i, const Frame& frame, const DataCell& array,
     Assign(ElementAt(array, subscript), OperandOf(frame, i.a));
 }
 
+void GetRow(const Instruction& i, const Frame& frame) {
+    Deliver(frame, i.a, {RowAt(i, frame), false});
+}
+
 void GetElement2(const Instruction& i, const Frame& frame) {
-    GetElement(i, frame, *ElementAt(frame.base[i.b], frame.base[i.c]), frame.base[i.jump]);
+    GetElement(i, frame, *RowAt(i, frame), frame.base[i.jump]);
 }
 
 void SetElement2(const Instruction& i, const Frame& frame) {
-    SetElement(i, frame, *ElementAt(frame.base[i.b], frame.base[i.c]), frame.base[i.jump]);
+    SetElement(i, frame, *RowAt(i, frame), frame.base[i.jump]);
 }
 
 void SetElementConstant(const Instruction& i, const Frame& frame) {
@@ -152,7 +165,7 @@ void DeclareArrayInSlot(const Instruction& i, const Frame& frame) {
 void CheckFit(const Instruction& i, const Frame& frame) {
     const DataCell& array = frame.base[i.a];
     if (array.type != TYPE_ARRAY) {
-        RuntimeError("%s", "配列の添え字が不正です"_sjis);
+        ReportNoElement();
     }
     if (static_cast<std::uint32_t>(i.value) > ArrayCount(array)) {
         RuntimeError("%s", "大きさの異なる配列は代入できません。"_sjis);

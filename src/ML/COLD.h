@@ -44,6 +44,7 @@ QUELMARK_COLD void GetElement(const Instruction& i, const Frame& frame, const Da
                               const DataCell& subscript);
 QUELMARK_COLD void SetElement(const Instruction& i, const Frame& frame, const DataCell& array,
                               const DataCell& subscript);
+QUELMARK_COLD void GetRow(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void GetElement2(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void SetElement2(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void SetElementConstant(const Instruction& i, const Frame& frame);

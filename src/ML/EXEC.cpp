@@ -496,7 +496,7 @@ std::int32_t Execute() {
             Put(base[i->a], TagOf(*row), row->integer);
             NEXT;
         }
-        SLOW(GetElement(*i, *frame, base[i->b], base[i->c]));
+        SLOW(GetRow(*i, *frame));
     }
     CASE(GET_ELEMENT_2) {
         const DataCell* const row = ElementOf(base[i->b], base[i->c]);

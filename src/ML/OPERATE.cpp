@@ -248,6 +248,10 @@ void ReportUnassigned() {
     RuntimeError("%s", "代入されていない変数を参照しました。"_sjis);
 }
 
+void ReportNoElement() {
+    RuntimeError("%s", "配列の添え字が不正です"_sjis);
+}
+
 void ReleaseOwned(OperandCell operand) {
     if (operand.owned && operand.cell->type == TYPE_OBJECT) {
         operand.cell->type = TYPE_NOASSIGN;
@@ -354,7 +358,7 @@ DataCell* ElementAt(const DataCell& array, const DataCell& subscript) {
         RuntimeError("%s", "配列の添え字の型が不正です"_sjis);
     }
     if (array.type != TYPE_ARRAY || static_cast<std::uint32_t>(subscript.integer) >= ArrayCount(array)) {
-        RuntimeError("%s", "配列の添え字が不正です"_sjis);
+        ReportNoElement();
     }
     return ArrayElements(array) + subscript.integer;
 }

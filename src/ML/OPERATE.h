@@ -28,6 +28,7 @@ void Assign(DataCell* destination, OperandCell source);
 void ReleaseOwned(OperandCell operand);
 // "代入されていない変数を参照しました。"
 [[noreturn]] void ReportUnassigned();
+[[noreturn]] void ReportNoElement();
 
 // The element of an array cell; reports a bad array, subscript type or subscript.
 DataCell* ElementAt(const DataCell& array, const DataCell& subscript);

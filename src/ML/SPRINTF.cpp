@@ -77,9 +77,9 @@ void AppendString(std::string& out, const Conversion& conversion, std::string_vi
 
 template <class Print>
 void AppendPrinted(std::string& out, Print print) {
-    char buffer[FIELD_MOST * 2 + 512];
-    const int length = print(buffer, sizeof buffer);
-    out.append(buffer, static_cast<std::size_t>(std::clamp(length, 0, static_cast<int>(sizeof buffer) - 1)));
+    char buffer[FIELD_MOST * 2 + 512] = "";
+    print(buffer, sizeof buffer);
+    out += buffer;  // a text ends at its NUL, which "%c" can print
 }
 
 void AppendConverted(std::string& out, const Conversion& conversion, std::int32_t number,
