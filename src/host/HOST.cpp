@@ -235,6 +235,14 @@ bool BreakWanted() {
     return wanted;
 }
 
+// The reader's question in the middle of a file. What was pressed before the reading began has been taken by
+// the command that reads, so an Escape that waits is meant for it.
+bool EscapeWanted() {
+    const bool wanted = window->TakeEscapeKey();
+    PanesRefresh();
+    return wanted;
+}
+
 // A text of the command line or the environment as cp932; one that cp932 cannot carry ends the program with a
 // message that names where it came from.
 std::string Carried(const std::optional<std::string>& text, const std::string& where) {
@@ -305,6 +313,7 @@ void StartUp(const CommandLine& commandLine, void (*registerLibraries)()) {
     ViewSetDamageHook([](const PixelRect& rect) { window->InvalidateFrame(rect); });
     HostResized();
     SetBreakCheck(BreakWanted);
+    ReaderSetCancelCheck(EscapeWanted);
 }
 
 // ---- running ----
@@ -422,6 +431,7 @@ int HostMain(Window& mainWindow, const std::string& programPath, const std::vect
     const int status = Run({programPath, arguments}, registerLibraries);
     std::fflush(stdout);
     SetBreakCheck(nullptr);
+    ReaderSetCancelCheck(nullptr);
     InterpreterExit();
     return status;
 }

@@ -37,6 +37,8 @@ class Window {
     virtual InputState TakeInput() = 0;
     // Delivers messages without waiting; true when Shift+Ctrl+Delete is waiting, which is taken.
     virtual bool TakeBreakKey() = 0;
+    // Delivers messages without waiting; true when Escape is waiting, which is taken with every other key.
+    virtual bool TakeEscapeKey() = 0;
     // A clock that only grows.
     virtual std::uint32_t Milliseconds() = 0;
 

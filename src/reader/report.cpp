@@ -110,7 +110,8 @@ std::int32_t Report(std::span<const Message> table, std::int32_t code, std::stri
 
 std::int32_t ReaderReport(std::string_view text, std::int32_t severity) {
     ReaderFail(severity);
-    if (++messages > MESSAGES_MOST) {
+    // What ends the read is always told.
+    if (severity < SEVERITY_END && ++messages > MESSAGES_MOST) {
         return severity;
     }
     char number[16];

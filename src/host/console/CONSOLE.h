@@ -17,6 +17,7 @@ class ConsoleWindow final : public Window {
     void Deliver(std::int32_t milliseconds) override;
     InputState TakeInput() override;
     bool TakeBreakKey() override;
+    bool TakeEscapeKey() override { return false; }  // the keys of a session are for its wait steps
     std::uint32_t Milliseconds() override { return clock_; }
     std::int32_t ClientWidth() const override { return width_; }
     std::int32_t ClientHeight() const override { return height_; }

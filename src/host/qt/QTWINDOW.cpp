@@ -111,10 +111,17 @@ InputState QtWindow::TakeInput() {
 }
 
 bool QtWindow::TakeBreakKey() {
+    return TakeKey([](const PendingKey& key) { return key.code == 0x8013 && key.shift == 3; });
+}
+
+bool QtWindow::TakeEscapeKey() {
+    return TakeKey([](const PendingKey& key) { return key.code == 27; });
+}
+
+template <class Test>
+bool QtWindow::TakeKey(Test isWanted) {
     QCoreApplication::processEvents();
-    const auto found = std::ranges::find_if(
-        keys_, [](const PendingKey& key) { return key.code == 0x8013 && key.shift == 3; });
-    if (found == keys_.end()) {
+    if (std::ranges::none_of(keys_, isWanted)) {
         return false;
     }
     keys_.clear();

@@ -24,6 +24,7 @@ class QtWindow final : public QWidget, public Window {
     void Deliver(std::int32_t milliseconds) override;
     InputState TakeInput() override;
     bool TakeBreakKey() override;
+    bool TakeEscapeKey() override;
     std::uint32_t Milliseconds() override;
     std::int32_t ClientWidth() const override { return width(); }
     std::int32_t ClientHeight() const override { return height(); }
@@ -73,6 +74,9 @@ class QtWindow final : public QWidget, public Window {
         std::int32_t code;
         std::int32_t shift;
     };
+    // Delivers messages without waiting; when such a key is waiting, every key is taken.
+    template <class Test>
+    bool TakeKey(Test isWanted);
     // A change of the buttons, kept until a step takes it: a click may come and go within one delivery.
     struct PendingButtons {
         std::int32_t x, y;

@@ -30,6 +30,7 @@ class DeafWindow : public Window {
         return state;
     }
     bool TakeBreakKey() override { return false; }
+    bool TakeEscapeKey() override { return false; }
     std::uint32_t Milliseconds() override { return clock_ += 100000; }
     std::int32_t ClientWidth() const override { return 1024; }
     std::int32_t ClientHeight() const override { return 768; }

@@ -214,6 +214,17 @@ TEST_F(Faults, ADamagedFileShowsTwoHundredMessagesAndCountsTheRest) {
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
+TEST_F(Faults, WhatEndsTheReadIsToldAfterAnyNumberOfMessages) {
+    std::string text;
+    for (int i = 0; i < 300; ++i) {
+        text += "prim poly ( 1 )\n";
+    }
+    EXPECT_FALSE(Read("obj suf o {\n" + text));
+    ASSERT_EQ(messages.size(), 202U);
+    EXPECT_EQ(messages[200], "t.suf302 : エンドオブファイルになりました   next token=");
+    EXPECT_EQ(messages[201], "ほかに 100 個のメッセージがあります。");
+}
+
 TEST_F(Faults, CodesWithoutAMessageSayWhichReaderGaveThem) {
     ReaderBegin();
     EXPECT_EQ(ObjectReport(99), 20);
