@@ -26,6 +26,14 @@ std::string TextOf(const DataCell& cell) {
     return std::string(StringText(cell));
 }
 
+// The text of an argument that must be a String; its type is reported under the function's name otherwise.
+std::string RequireText(const char* name, const DataCell* argv, std::int32_t index) {
+    if (!IsString(argv[index])) {
+        RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, index + 1, name);
+    }
+    return TextOf(argv[index]);
+}
+
 bool IsFlag(const DataCell& cell) {
     return (cell.type & TYPE_FLAG) != 0;
 }
@@ -86,8 +94,8 @@ std::int32_t DlogOpen(std::int32_t, std::int32_t argc, DataCell* argv) {
 
 std::int32_t DlogMessage(std::int32_t, std::int32_t, DataCell* argv) {
     DialogRow row;
+    row.label = RequireText("DlogMessage", argv, 1);
     row.row = RowOf(argv[0]);
-    row.label = IsString(argv[1]) ? TextOf(argv[1]) : "";
     DialogAddRow(std::move(row));
     return NO_RESULT;
 }
@@ -128,9 +136,9 @@ std::int32_t DlogString(std::int32_t, std::int32_t argc, DataCell* argv) {
 std::int32_t DlogToggle(std::int32_t, std::int32_t, DataCell* argv) {
     DialogRow row;
     row.kind = RowKind::Toggle;
+    row.label = RequireText("DlogToggle", argv, 1);
+    row.caption = RequireText("DlogToggle", argv, 2);
     row.row = RowOf(argv[0]);
-    row.label = IsString(argv[1]) ? TextOf(argv[1]) : "";
-    row.caption = IsString(argv[2]) ? TextOf(argv[2]) : "";
     row.value = argv[3].integer != 0 ? 1 : 0;
     DialogAddRow(std::move(row));
     return NO_RESULT;
@@ -139,8 +147,8 @@ std::int32_t DlogToggle(std::int32_t, std::int32_t, DataCell* argv) {
 std::int32_t DlogSelect(std::int32_t, std::int32_t, DataCell* argv) {
     DialogRow row;
     row.kind = RowKind::Selection;
+    row.label = RequireText("DlogSelect", argv, 1);
     row.row = RowOf(argv[0]);
-    row.label = IsString(argv[1]) ? TextOf(argv[1]) : "";
     const DataCell* elements = ArrayElements(argv[2]);
     bool ended = false;
     for (std::uint32_t i = 0; i < ArrayCount(argv[2]); ++i) {

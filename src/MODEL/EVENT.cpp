@@ -85,13 +85,17 @@ std::int32_t SetHandler(std::int32_t, std::int32_t, DataCell* argv) {
     return NO_RESULT;
 }
 
+std::int32_t FirstCharacter(const DataCell& cell) {
+    if (!IsString(cell)) {
+        RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, 1, "CallKeyEvent");
+    }
+    const std::string_view text = StringText(cell);
+    return text.empty() ? 0 : static_cast<unsigned char>(text[0]);
+}
+
 std::int32_t CallKeyEvent(std::int32_t, std::int32_t argc, DataCell* argv) {
     if (argc > 0) {
-        Input.keyCode = argv[0].integer;
-        if (argv[0].type == TYPE_OBJECT) {
-            const std::string_view text = IsString(argv[0]) ? StringText(argv[0]) : std::string_view();
-            Input.keyCode = text.empty() ? 0 : static_cast<unsigned char>(text[0]);
-        }
+        Input.keyCode = argv[0].type == TYPE_OBJECT ? FirstCharacter(argv[0]) : argv[0].integer;
     }
     StackPushBool(DispatchKey());
     return RESULT;

@@ -13,6 +13,8 @@
 namespace quelmark {
 namespace {
 
+constexpr std::int32_t BUTTON_RESULT_FIRST = 1000;  // results from here on number the buttons
+
 std::optional<Dialog> underConstruction;
 std::array<DialogAnswerSlot, DIALOG_ROWS> answers;
 
@@ -92,7 +94,6 @@ void DialogAddRow(DialogRow row) {
         return;
     }
     std::erase_if(underConstruction->rows, [&](const DialogRow& old) { return old.row == row.row; });
-    KeepAnswer(row);
     underConstruction->rows.push_back(std::move(row));
 }
 
@@ -107,7 +108,7 @@ std::int32_t DialogRun() {
         KeepAnswer(row);
     }
     HostWindow().Deliver(0);
-    return result;
+    return result >= BUTTON_RESULT_FIRST ? result - BUTTON_RESULT_FIRST : result;
 }
 
 void DialogReset() {
@@ -133,7 +134,11 @@ std::string FileDialogRun(const FileDialog& dialog) {
         Warning("このファイル名はシフトJISで表せないので使えません。"_sjis);
         return "";
     }
-    return path->size() <= FILE_DIALOG_BYTES ? *path : "";
+    if (path->size() > FILE_DIALOG_BYTES) {
+        Warning("ファイル名が長すぎます。"_sjis);
+        return "";
+    }
+    return *path;
 }
 
 }  // namespace quelmark

@@ -82,9 +82,10 @@ struct DialogAnswerSlot {
 void DialogOpen(Dialog dialog);
 // The dialog under construction, or null.
 Dialog* DialogUnderConstruction();
-// Adds a row; the row's answer is then its initial value. A row that stands already is replaced.
+// Adds a row; it has no answer until the dialog has run. A row that stands already is replaced.
 void DialogAddRow(DialogRow row);
-// Runs the dialog under construction modally and keeps the answers; 0 when there is none.
+// Runs the dialog under construction modally and keeps the answers; 0 when there is none. A result of 1000 or
+// more is reduced by 1000.
 std::int32_t DialogRun();
 void DialogReset();
 // Without a dialog under construction again (after an error).

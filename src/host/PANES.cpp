@@ -10,6 +10,7 @@
 #include "host/BUTTONS.h"
 #include "host/HOST.h"
 #include "host/INPUT.h"
+#include "host/TEXTCUT.h"
 #include "text/sjis.h"
 #include "view/OVERLAY.h"
 
@@ -267,7 +268,7 @@ void PanesReset() {
 
 void StatusSet(std::int32_t field, std::string_view text) {
     if (0 <= field && field < STATUS_FIELDS) {
-        fields[static_cast<std::size_t>(field)].text = text.substr(0, STATUS_BYTES);
+        fields[static_cast<std::size_t>(field)].text = CutText(text, STATUS_BYTES);
         HostWindow().Invalidate(Pane::Status);
     }
 }
