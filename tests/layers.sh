@@ -5,7 +5,7 @@ cd "$1/src"
 order="text ML MATLIB MODEL reader view host BINDINGS"
 level() {
     case "$1" in
-        MODEL/MDLINIT.*|MODEL/EVENT.*|MODEL/SYSLIB.*|MODEL/VIEWLIB.*|MODEL/BUTTON.*|MODEL/MENU.*|MODEL/DLOGLIB.*|MODEL/FILE.*|MODEL/PICK.*) echo 7 ;;
+        MODEL/MDLINIT.*|MODEL/EVENT.*|MODEL/SYSLIB.*|MODEL/VIEWLIB.*|MODEL/SETDRAW.*|MODEL/BUTTON.*|MODEL/MENU.*|MODEL/DLOGLIB.*|MODEL/FILE.*|MODEL/PICK.*) echo 7 ;;
         host/qt/*|host/console/*) echo 8 ;;
         *) local n=0; for layer in $order; do [ "${1%%/*}" = "$layer" ] && echo "$n"; n=$((n + 1)); done ;;
     esac

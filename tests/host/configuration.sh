@@ -190,6 +190,11 @@ script 'print("a\n");'
 run QUELMARKLOG=q.log -- --dump
 holds "the trace" q.log '^EXEC\[[0-9A-F]{6}\]\[t.qms:   1\] : '
 is "the trace is in the log alone" 0 "a"
+script 'SetZoom(3); SetZoom(2, 0); SetZoom(-2, 7); print("a\n");'
+run QUELMARKLOG=q.log --
+holds "a move step is told" q.log '^move : 7$'
+[ "$(grep -c '^move' q.log)" = 1 ] || { echo "a move step that is not given is told"; failures=1; }
+is "a move step is told in the log alone" 0 "a"
 
 # ---- how a run ends ----
 script 'Quit(); print(1 + "a");'
