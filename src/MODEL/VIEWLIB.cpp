@@ -1,6 +1,9 @@
 #include "MODEL/VIEWLIB.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "MATLIB/SETMAT.h"
@@ -10,10 +13,12 @@
 #include "ML/STRING.h"
 #include "MODEL/SELECT.h"
 #include "MODEL/VERTEX.h"
+#include "host/HOST.h"
 #include "host/INPUT.h"
 #include "host/PANES.h"
 #include "text/sjis.h"
 #include "view/OVERLAY.h"
+#include "view/TEXTS.h"
 #include "view/VIEW.h"
 
 namespace quelmark {
@@ -198,16 +203,53 @@ std::int32_t DrawBox(std::int32_t, std::int32_t argc, DataCell* argv) {
     return NO_RESULT;
 }
 
-// String, then a pane point or a Vertex, then perhaps a colour. Where there is no font nothing is drawn.
-std::int32_t DrawText(std::int32_t, std::int32_t argc, DataCell* argv) {
+void CheckTextArguments(std::int32_t argc, const DataCell* argv) {
     if (argc > 1 && argv[1].type == TYPE_OBJECT) {
         argc > 2 ? ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_OBJECT, TYPE_INT})
                  : ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_OBJECT});
-        VertexOf(argv[1]);
     } else if (argc > 3) {
         ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_INT, TYPE_INT, TYPE_INT});
     } else {
         ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_INT, TYPE_INT});
+    }
+}
+
+// The lines of a text from a pane point on, downwards.
+void ShowText(std::string_view text, const PanePoint& at, std::int32_t view, const PixelRect& clip,
+              std::int32_t colour) {
+    constexpr std::int64_t FAR = 1 << 28;
+    if (at.x < -FAR || at.x > FAR || at.y < -FAR || at.y > FAR) {
+        return;
+    }
+    const auto left = static_cast<std::int32_t>(at.x);
+    auto top = static_cast<std::int32_t>(at.y);
+    for (std::size_t start = 0; start <= text.size() && top < clip.bottom;) {
+        const std::string line(text.substr(start, text.find('\n', start) - start));
+        const auto columns = static_cast<std::int32_t>(std::min<std::size_t>(line.size(), 4096)) + 1;
+        const PixelRect place{left, top, left + columns * HostWindow().CharacterWidth(),
+                              top + HostWindow().LineHeight()};
+        ViewTextAdd({view, clip, place, line, static_cast<std::uint8_t>(colour & 15)});
+        top = place.bottom;
+        start += line.size() + 1;
+    }
+}
+
+// String, then a pane point or a Vertex, then perhaps a colour.
+std::int32_t DrawText(std::int32_t, std::int32_t argc, DataCell* argv) {
+    CheckTextArguments(argc, argv);
+    const std::string_view text = StringText(argv[0]);
+    if (argv[1].type != TYPE_OBJECT) {
+        const std::int32_t x = argv[1].integer, y = argv[2].integer;
+        ShowText(text, {x, y}, ViewAt(x, y), ViewFrame.Bounds(), argc > 3 ? argv[3].integer : COLOUR_LINE);
+        return NO_RESULT;
+    }
+    const ModelPoint point = DisplayPoint(argv[1]);
+    const EyePoint eye = ViewToEye(point);
+    for (std::int32_t view = WIN_XY; view <= WIN_PERS; view <<= 1) {
+        if ((VisibleViews & view) != 0 && (view != WIN_PERS || eye.x >= 1)) {
+            ShowText(text, view == WIN_PERS ? ViewProjectEye(eye) : ViewProject(point, view), view,
+                     Views[ViewIndex(view)].Rect(), argc > 2 ? argv[2].integer : COLOUR_LINE);
+        }
     }
     return NO_RESULT;
 }

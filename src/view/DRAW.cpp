@@ -5,6 +5,7 @@
 #include "view/FLAT.h"
 #include "view/OVERLAY.h"
 #include "view/PERS.h"
+#include "view/TEXTS.h"
 #include "view/VIEW.h"
 
 namespace quelmark {
@@ -93,6 +94,7 @@ void ViewRedrawMask(std::int32_t mask, bool clear) {
     if (clear) {
         FlatGround();
         PersGround();
+        ViewTextsDrop(mask);
     }
     DrawModel();
     DamageViews(mask);
@@ -115,6 +117,7 @@ void ViewClear(bool fill) {
         OverlayToggle();
     }
     OverlayReset();
+    ViewTextsDrop(WIN_ALL);
     CursorShow(shown);
 }
 

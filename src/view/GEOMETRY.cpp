@@ -4,6 +4,7 @@
 
 #include "ML/OPERATE.h"
 #include "view/OVERLAY.h"
+#include "view/TEXTS.h"
 #include "view/VIEW.h"
 
 namespace quelmark {
@@ -41,6 +42,14 @@ void PlaceViews() {
         view.centreY = view.top + view.height / 2;
     }
     ViewSetAngle(0);
+}
+
+// Everything on an empty pane.
+void ShowAfresh() {
+    FillRect(ViewFrame, ViewFrame.Bounds(), COLOUR_BACKGROUND);
+    ViewTextsDrop(WIN_ALL);
+    ViewDamage(ViewFrame.Bounds());
+    ViewRedraw(ViewFrame.Bounds(), true);
 }
 
 std::int32_t ConvertedAxis(const FixedMatrix& m, const ModelPoint& v, int axis) {
@@ -148,6 +157,7 @@ void ViewInit() {
 void ViewExit() {
     ViewEnableDrawing(false);
     OverlayInit();
+    ViewTextsDrop(WIN_ALL);
     ViewFrame = FrameBuffer{};
 }
 
@@ -158,18 +168,14 @@ void ViewLayout(std::int32_t width, std::int32_t height, std::int32_t lineHeight
     const OverlayPause pause;
     ViewFrame.Resize(paneWidth, paneHeight);
     PlaceViews();
-    FillRect(ViewFrame, ViewFrame.Bounds(), COLOUR_BACKGROUND);
-    ViewDamage(ViewFrame.Bounds());
-    ViewRedraw(ViewFrame.Bounds(), true);
+    ShowAfresh();
 }
 
 void ViewSetMask(std::int32_t mask) {
     const OverlayPause pause;
     VisibleViews = mask;
     PlaceViews();
-    FillRect(ViewFrame, ViewFrame.Bounds(), COLOUR_BACKGROUND);
-    ViewDamage(ViewFrame.Bounds());
-    ViewRedraw(ViewFrame.Bounds(), true);
+    ShowAfresh();
 }
 
 std::int32_t ViewIndex(std::int32_t bit) {

@@ -19,6 +19,7 @@
 #include "host/qt/KEYTABLE.h"
 #include "host/qt/QTDIALOG.h"
 #include "host/qt/QTTEXT.h"
+#include "view/TEXTS.h"
 #include "view/VIEW.h"
 
 namespace quelmark {
@@ -282,6 +283,11 @@ void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t gre
     if (first >= 0) {
         InvalidateFrame({0, first, ViewFrame.width, last + 1});
     }
+    for (const ViewText& text : ViewTexts()) {
+        if (text.colour == PULSE_ENTRY) {
+            update(ToRect(text.place));
+        }
+    }
 }
 
 void QtWindow::SetTitle(std::string_view title) {
@@ -343,10 +349,21 @@ void QtWindow::paintEvent(QPaintEvent* event) {
         const QRect shown = rect.intersected(picture_.rect());
         painter.drawImage(shown.topLeft(), picture_, shown);
     }
+    PaintTexts(painter);
     PaintList(painter);
     PaintButtons(painter);
     PaintStatus(painter);
     PaintMessage(painter);
+}
+
+void QtWindow::PaintTexts(QPainter& painter) {
+    const int ascent = QFontMetrics(font()).ascent();
+    for (const ViewText& text : ViewTexts()) {
+        painter.setClipRect(ToRect(Intersection(text.clip, text.place)));
+        painter.setPen(Entry(text.colour));
+        painter.drawText(text.place.left, text.place.top + ascent, ToText(text.text));
+    }
+    painter.setClipping(false);
 }
 
 void QtWindow::PaintList(QPainter& painter) {

@@ -64,6 +64,7 @@ class QtWindow final : public QWidget, public Window {
     void TakeShift(Qt::KeyboardModifiers modifiers);
     void PutKey(std::int32_t code);
     void ExpandFrame(const QRect& area);
+    void PaintTexts(QPainter& painter);
     void PaintList(QPainter& painter);
     void PaintButtons(QPainter& painter);
     void PaintStatus(QPainter& painter);

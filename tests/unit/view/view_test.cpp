@@ -8,6 +8,7 @@
 #include "MODEL/POLY.h"
 #include "script_fixture.h"
 #include "view/OVERLAY.h"
+#include "view/TEXTS.h"
 #include "view/VIEW.h"
 
 namespace quelmark::test {
@@ -245,6 +246,33 @@ TEST_F(View3D, AFigureSeenEdgeOnDoesNotCancelItself) {
     EXPECT_EQ(At({Views[0].centreX, Views[0].centreY}), COLOUR_BACKGROUND ^ COLOUR_LINE);  // a closed corner
     OverlayModelLines(figure, LINE_XOR);
     EXPECT_EQ(ViewFrame.pixels, before);
+}
+TEST_F(View3D, ATextStaysUntilItsViewIsCleared) {
+    const auto add = [](std::int32_t views, std::int32_t left, const char* text) {
+        ViewTextAdd({views, {0, 0, 801, 600}, {left, 10, left + 40, 26}, text, COLOUR_LINE});
+    };
+    add(WIN_XY, 5, "a");
+    add(WIN_PERS, 405, "b");
+    add(0, 200, "c");
+    add(WIN_XY, 801, "outside");
+    add(WIN_XY, -40, "outside");
+    ASSERT_EQ(ViewTexts().size(), 3U);
+    ViewRedraw(WHOLE_AREA, false);
+    EXPECT_EQ(ViewTexts().size(), 3U);
+    ViewRedrawMask(WIN_XY, true);
+    ASSERT_EQ(ViewTexts().size(), 1U);
+    EXPECT_EQ(ViewTexts()[0].text, "b");
+    ViewClear(false);
+    EXPECT_TRUE(ViewTexts().empty());
+}
+TEST_F(View3D, OnlyTheLastTextsAreKept) {
+    for (int i = 0; i < 1100; ++i) {
+        ViewTextAdd({0, {0, 0, 801, 600}, {0, 0, 9, 9}, std::to_string(i), COLOUR_LINE});
+    }
+    EXPECT_EQ(ViewTexts().size(), 1024U);
+    EXPECT_EQ(ViewTexts().back().text, "1099");
+    ViewSetMask(WIN_XY);
+    EXPECT_TRUE(ViewTexts().empty());
 }
 TEST_F(View3D, TheCursorComesAndGoesWithoutATrace) {
     ViewRedraw(WHOLE_AREA, true);

@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# text.sh QUELMARK: DrawText under Xvfb. A text shows over the views in its colour, stays over a redraw that clears nothing, and goes when its
+# view is redrawn from the background.
+set -u
+program=$(realpath "$1")
+command -v Xvfb >/dev/null && command -v xdotool >/dev/null && command -v import >/dev/null || { echo "Xvfb, xdotool or import is missing"; exit 77; }
+folder=$(mktemp -d)
+Xvfb -displayfd 3 -noreset -screen 0 1400x1000x24 3>"$folder/display" 2>/dev/null &
+server=$!
+trap 'kill $server 2>/dev/null; rm -rf "$folder"' EXIT
+for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
+DISPLAY=:$(cat "$folder/display")
+export DISPLAY
+unset QUELMARKINPUT
+mkdir "$folder/home"
+printf 'SourceFile = t.qms\n' > "$folder/home/Quelmark.ini"
+printf '\xEF\xBB\xBF%s\n' 'function draw(code, shift) {
+    "Wide 文字\nand more".DrawText(30, 40, 4);
+    DrawText("at a vertex", Vertex(50, 60, -20), 6);
+}
+function over(code, shift) { Update(OVERWRITE); }
+function some(code, shift) { Update(CLEAR, WIN_XY | WIN_YZ); }
+function clear(code, shift) { Clear(OVERWRITE); }
+KeyEvent(draw, "d"); KeyEvent(over, "o"); KeyEvent(some, "s"); KeyEvent(clear, "c");' > "$folder/home/t.qms"
+cd "$folder" || exit 1
+MODELPATH="$folder/home" "$program" > printed 2> /dev/null &
+window=$!
+failures=0
+id=
+for _ in $(seq 100); do id=$(xdotool search --name '^Quelmark' 2>/dev/null | head -1); [ -n "$id" ] && break; sleep 0.05; done
+[ -n "$id" ] || { echo "no window"; exit 1; }
+sleep 0.4
+# has AREA COLOUR: 1 when some pixel of the area (in the window) has exactly the colour, else 0.
+has() {
+    local place
+    place=$(xdotool getwindowgeometry --shell "$id" | sed -n 's/^[XY]=//p' | paste -sd' ')
+    read -r x y <<< "$place"
+    IFS='x+' read -r w h left top <<< "$1"
+    convert root.ppm -crop "${w}x$h+$((x + left))+$((y + top))" +repage -fill black +opaque "$2" -fill white -opaque "$2" \
+        -format '%[fx:maxima>0?1:0]' info:
+}
+check() {
+    xdotool key "$1"
+    sleep 0.4
+    import -window root -depth 8 root.ppm
+    local got
+    got="$(has 200x40+25+38 'rgb(0,255,0)')$(has 150x60+280+110 'rgb(255,255,0)')$(has 150x60+280+560 'rgb(255,255,0)')"
+    [ "$got" = "$2" ] || { echo "after $1: $got instead of $2"; failures=1; }
+}
+check n 000
+check d 111
+check o 111
+check s 001
+check c 000
+kill -0 $window 2>/dev/null || { echo "the window has gone"; failures=1; }
+case "$(cat printed)" in *Error*) echo "an error"; failures=1 ;; esac
+kill $window
+exit $failures
