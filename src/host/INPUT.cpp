@@ -105,6 +105,8 @@ void Pulse() {
     HostWindow().SetPalette(PULSE_ENTRY, p, 0, p);
 }
 
+constexpr std::int32_t MOVES = 4;  // in the tracking mask: the pointer's moves end a wait step, too
+
 // Buttons that a mask of MOUSE_LEFT and MOUSE_RIGHT names are held.
 bool Held(std::int32_t mask, bool left, bool right) {
     return ((mask & 1) != 0 && left) || ((mask & 2) != 0 && right);
@@ -170,7 +172,7 @@ void WaitStep() {
             MessageHide();
         }
         pending = now.left == Input.left && now.right == Input.right && now.keyCode == 0 && now.wheel == 0 &&
-                  !((now.left || now.right) && Input.moved);
+                  !((now.left || now.right || (Mode.tracking & MOVES) != 0) && Input.moved);
     }
     Input.x = now.x;
     Input.y = now.y;
