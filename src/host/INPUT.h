@@ -52,7 +52,7 @@ void BindSpecialKey(std::int32_t number, std::int32_t handler);
 // What `InputMode` sets.
 struct WaitMode {
     std::int32_t wait = 1;      // 1 left button, 2 right button, 32 the space key
-    std::int32_t tracking = 2;  // buttons that make the 3-D cursor follow: 1 left, 2 right; 4: moves end a step
+    std::int32_t tracking = 2;  // 1 left, 2 right: the 3-D cursor follows the button; 4: moves end a step
 };
 extern WaitMode Mode;
 
