@@ -62,7 +62,7 @@ constexpr Signature Takes(const char* name, std::initializer_list<std::uint16_t>
     Signature signature;
     signature.name = name;
     for (const std::uint16_t type : types) {
-        signature.types[static_cast<std::size_t>(signature.allowed++)] = type;
+        signature.types[static_cast<std::uint8_t>(signature.allowed++)] = type;
     }
     signature.required = required < 0 ? signature.allowed : static_cast<std::int8_t>(required);
     return signature;

@@ -253,7 +253,7 @@ void ReportNoElement() {
 }
 
 void ReleaseOwned(OperandCell operand) {
-    if (operand.owned && operand.cell->type == TYPE_OBJECT) {
+    if (operand.owned && operand.cell != nullptr && operand.cell->type == TYPE_OBJECT) {
         operand.cell->type = TYPE_NOASSIGN;
         ObjectRelease(ObjectOf(*operand.cell));
     }

@@ -312,7 +312,7 @@ std::int32_t StackMaxUsed() {
 
 DataCell* ArrayElements(const DataCell& array) {
     const std::uint64_t end = static_cast<std::uint64_t>(array.element) + ArrayCount(array);
-    if (end > static_cast<std::uint64_t>(StackPtr + 1)) {
+    if (end > static_cast<std::uint64_t>(StackPtr) + 1) {
         RuntimeError("%s", "配列の添え字が不正です"_sjis);
     }
     return StackBuf + array.element;

@@ -84,8 +84,8 @@ void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t 
     AttrInit(std::clamp(attributeCount, 0, INDEX_LIMIT));
     ObjInit(std::clamp(objectCount, 0, INDEX_LIMIT));
     MaxVertex = std::clamp(maxVertex, 0, INDEX_LIMIT);
-    const auto vertices = static_cast<std::uint32_t>(MaxVertex);
-    CurrentPolygon = static_cast<PolygonRecord*>(MemoryAlloc(sizeof(PolygonRecord) + 16 * vertices));
+    const auto vertexBytes = static_cast<std::uint32_t>(MaxVertex) * std::uint32_t{sizeof(VertexRecord)};
+    CurrentPolygon = static_cast<PolygonRecord*>(MemoryAlloc(sizeof(PolygonRecord) + vertexBytes));
     LoadedPolygon = nullptr;
     SelectCount = 0;
 }

@@ -63,6 +63,7 @@ void ReapEnded() {
 
 std::optional<pid_t> Spawn(const std::vector<std::string>& words) {
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (const std::string& word : words) {
         argv.push_back(const_cast<char*>(word.c_str()));
     }

@@ -145,6 +145,7 @@ std::vector<MenuEntry> MenuOpened(std::int32_t position) {
     }
     const MenuRecord menu = *shown;  // a query function may change the bar
     std::vector<MenuEntry> entries;
+    entries.reserve(static_cast<std::size_t>(menu.count));
     for (std::int32_t item = 0; item < menu.count; ++item) {
         entries.push_back(EntryOf(menu, position, item, menu.flags[static_cast<std::size_t>(item)]));
     }

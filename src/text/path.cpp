@@ -91,7 +91,7 @@ std::optional<std::string> Plain(std::string_view scriptPath) {
 }  // namespace
 
 std::optional<std::string> HostPath(std::string_view scriptPath) {
-    const auto plain = Plain(scriptPath);
+    auto plain = Plain(scriptPath);
     if (!plain || Exists(*plain)) {
         return plain;
     }

@@ -217,9 +217,10 @@ std::int32_t ViewSetAngle(std::int32_t angle) {
     if (0 < angle && angle < 180) {
         ViewState.angle = angle;
     }
-    const double half = std::tan((ViewState.angle / 2) * DEGREE);
-    const double distance =
-        half > 0 ? (Views[3].width / 2) / half : Views[3].width / 2 / std::tan(0.5 * DEGREE);
+    // Whole halves of the width and the angle; an angle of one degree has half a degree instead of none.
+    const std::int32_t halfWidth = Views[3].width / 2;
+    const std::int32_t halfAngle = ViewState.angle / 2;
+    const double distance = halfWidth / std::tan((halfAngle > 0 ? halfAngle : 0.5) * DEGREE);
     ViewState.focalDistance = Limit(distance);
     return before;
 }
