@@ -1,6 +1,7 @@
 #include "text/path.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -88,6 +89,19 @@ std::optional<std::string> Plain(std::string_view scriptPath) {
     return utf8;
 }
 
+// The flags of open for a mode of fopen.
+int OpenFlags(std::string_view mode) {
+    const bool both = mode.find('+') != std::string_view::npos;
+    switch (mode[0]) {
+        case 'w':
+            return O_CREAT | O_TRUNC | (both ? O_RDWR : O_WRONLY);
+        case 'a':
+            return O_CREAT | O_APPEND | (both ? O_RDWR : O_WRONLY);
+        default:
+            return both ? O_RDWR : O_RDONLY;
+    }
+}
+
 }  // namespace
 
 std::optional<std::string> HostPath(std::string_view scriptPath) {
@@ -169,7 +183,17 @@ FilePtr OpenFile(std::string_view scriptPath, const char* mode) {
     if (!path || IsDirectory(*path)) {
         return nullptr;
     }
-    return FilePtr(std::fopen(path->c_str(), mode));
+    // Opening a pipe would wait for its other end.
+    const int descriptor = ::open(path->c_str(), OpenFlags(mode) | O_NONBLOCK | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
+    FilePtr file(::fdopen(descriptor, mode));
+    if (!file) {
+        ::close(descriptor);
+    }
+    return file;
 }
 
 FilePtr OpenRegularFile(std::string_view scriptPath) {

@@ -64,6 +64,11 @@ mkfifo pipe.suf
 printf 'SourceFile = e.qms\n' > home/Quelmark.ini
 printf 'print(ReadFile("pipe.suf"), ReadFile("/dev/zero"));' > home/e.qms
 expect "a pipe or a device is no shape file" 0 "0 0" env MODELPATH=home timeout 10 "$program"
+printf 'print("pipe.suf".fileopen().filegets(), "pipe.suf".fileopen("w"), "pipe.suf".fileopen("a")); "pipe.suf".fprint(1); "out.txt".fprint(2, 3); "out.txt".fprint("."); print(fileopen("out.txt").filegets(), "out.txt".fileopen("w+").filegetc());' > home/e.qms
+expect "a script does not wait for the other end of a pipe" 0 "FALSE FALSE FALSE2 3. -1" env MODELPATH=home timeout 10 "$program"
+printf 'print("/dev/stdin".fileopen().filegets());' > home/e.qms
+printf 'input\n' > typed
+expect "a script may read standard input" 0 "input" env MODELPATH=home timeout 10 "$program" < <(cat typed)
 printf 'SourceFile = deep.qms\n' > home/Quelmark.ini
 head -c 100000 /dev/zero | tr '\0' '(' > home/deep.qms
 expect "deep nesting is refused" 1 "スタックオーバーフロー！！" env MODELPATH=home "$program"
