@@ -281,7 +281,10 @@ void ScanSymbol() {
         }
     }
     CurrentToken.kind = SYM_UNKNOWN;
-    CurrentToken.text += static_cast<char>(NextChar());
+    const bool isDouble = rest.size() == 2 && IsLeadByte(static_cast<unsigned char>(rest[0])) &&
+                          static_cast<unsigned char>(rest[1]) >= 0x40;
+    CurrentToken.text += rest.substr(0, isDouble ? 2 : 1);
+    at += CurrentToken.text.size();
 }
 
 }  // namespace
