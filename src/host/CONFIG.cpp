@@ -7,8 +7,10 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "ML/ERROR.h"
 #include "text/cp932.h"
 #include "text/path.h"
+#include "text/sjis.h"
 
 namespace quelmark {
 namespace {
@@ -153,11 +155,16 @@ std::optional<std::vector<std::string>> ConfigReadLines(std::string_view path) {
     if (!bytes) {
         return std::nullopt;
     }
-    const std::string text = FileTextToCp932(std::move(*bytes));
+    const bool utf8 = bytes->starts_with(BYTE_ORDER_MARK);
     std::vector<std::string> lines;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        lines.push_back(text.substr(at, end - at));
+    for (std::size_t at = utf8 ? BYTE_ORDER_MARK.size() : 0; at < bytes->size();) {
+        const std::size_t end = std::min(bytes->find('\n', at), bytes->size());
+        const std::string line = bytes->substr(at, end - at);
+        lines.push_back(utf8 ? Utf8ToCp932Lossy(line) : line);
+        if (utf8 && ConfigSplit(line) && !Utf8ToCp932(line)) {
+            FatalError("%s の %d 行目はシフトJISで表せないので使えません。"_sjis,
+                       std::string(FileNamePart(path)).c_str(), static_cast<int>(lines.size()));
+        }
         at = end + 1;
     }
     return lines;

@@ -27,7 +27,8 @@ std::string ConfigSearchPath(std::string_view variable, std::string_view value,
 // ";"-separated list that has it.
 std::optional<std::string> ConfigFind(std::string_view pathList, std::string_view name);
 
-// Reads the lines of the file (cp932, or UTF-8 with a byte order mark); nothing when it cannot be read.
+// Reads the lines of the file (cp932, or UTF-8 with a byte order mark); nothing when it cannot be read. An
+// entry that cp932 cannot carry is a fatal error, a comment may hold anything.
 std::optional<std::vector<std::string>> ConfigReadLines(std::string_view path);
 // The entries of all lines that have a value, in file order; they become the configuration list.
 void ConfigKeep(std::string_view path, const std::vector<std::string>& lines);

@@ -200,12 +200,18 @@ bool InputStep() {
     }
     if (Input.keyCode >= MENU_CODE_FIRST && Input.keyCode < MENU_CODE_END) {
         const std::int32_t command = Input.keyCode - MENU_CODE_FIRST;
-        Input.keyCode = 0;
         MenuPick(command / 256, command % 256);
+        Input.keyCode = 0;
         return false;
     }
-    if ((Input.left || Input.right) && HandlePress(!leftBefore && !rightBefore)) {
-        return false;
+    if (Input.left || Input.right) {
+        // A handler may set the key code; only a key that came with this step is left for the event loop.
+        const std::int32_t key = Input.keyCode;
+        const bool used = HandlePress(!leftBefore && !rightBefore);
+        Input.keyCode = used ? 0 : key;
+        if (used) {
+            return false;
+        }
     }
     if (Held(Mode.tracking, Input.left, Input.right) && CursorTrack(Input.x, Input.y)) {
         PanesCursorMoved();

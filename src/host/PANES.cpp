@@ -174,8 +174,10 @@ void PressList(std::int32_t y) {
     }
 }
 
-// A list scrolls to its current entry only when that has changed.
-void FollowCurrent(std::int32_t current, std::int32_t& seen, std::int32_t& top, std::int32_t visible) {
+// A list scrolls to its current entry only when that has changed, and never shows less than it could.
+void FollowCurrent(std::int32_t current, std::int32_t last, std::int32_t& seen, std::int32_t& top,
+                   std::int32_t visible) {
+    top = std::min(top, std::max(last + 1 - visible, 0));
     if (current == seen || visible < 1) {
         return;
     }
@@ -323,8 +325,8 @@ void PanesRefresh() {
     }
     attributeRevision = AttrRevision;
     objectRevision = ObjRevision;
-    FollowCurrent(AttrCurrent, attributeSeen, attributeTop, AttributeRows());
-    FollowCurrent(ObjCurrent, objectSeen, objectTop, OBJECT_ROWS);
+    FollowCurrent(AttrCurrent, AttrLast, attributeSeen, attributeTop, AttributeRows());
+    FollowCurrent(ObjCurrent, ObjLast, objectSeen, objectTop, OBJECT_ROWS);
     HostWindow().Invalidate(Pane::List);
 }
 

@@ -83,6 +83,13 @@ printf '\xEF\xBB\xBFSourceFile = 表.qms\n' > home/Quelmark.ini
 printf '\xEF\xBB\xBFprint("日本");' > home/表.qms
 run --
 is "a configuration may be UTF-8 with a mark" 0 "日本"
+printf '\xEF\xBB\xBF# \xE2\x98\x83\nSourceFile = t.qms\n' > home/Quelmark.ini
+script 'print("ran");'
+run --
+is "a comment may hold anything" 0 "ran"
+printf 'Name = \xE2\x98\x83\n' >> home/Quelmark.ini
+run --
+is "an entry that cp932 cannot carry" 1 "Fatal Quelmark.ini の 3 行目はシフトJISで表せないので使えません。"
 printf 'SourceFile = t.qms\r\nName = x y  \r\n' > home/Quelmark.ini
 script 'print("[" + "Name".Modelrc() + "]");'
 run --

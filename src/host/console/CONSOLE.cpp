@@ -54,7 +54,8 @@ void GiveAnswer(DialogRow& row, const SessionEvent& answer) {
 }  // namespace
 
 ConsoleWindow::ConsoleWindow() {
-    if (const char* path = std::getenv("QUELMARKINPUT")) {
+    const char* path = std::getenv("QUELMARKINPUT");
+    if (path != nullptr && path[0] != '\0') {
         events_ = ReadSession(path);
     }
 }

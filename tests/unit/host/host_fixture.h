@@ -54,6 +54,7 @@ class HandWindow final : public Window {
         return taken;
     }
     bool TakeBreakKey() override { return false; }
+    bool TakeEscapeKey() override { return false; }
     std::uint32_t Milliseconds() override { return clock; }
     std::int32_t ClientWidth() const override { return width; }
     std::int32_t ClientHeight() const override { return height; }
