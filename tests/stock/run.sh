@@ -19,7 +19,7 @@ settings=$(sed -n 's|.*// setting: ||p' "$name.qms")
 {
     keys=$(printf '%s\n' "$settings" | awk '{print $1}' | paste -sd'|')
     grep -vE "^(${keys:-none})[[:space:]=]" "$(dirname "$program")/Quelmark.ini"
-    [ -n "$with" ] && printf 'SourceFile = %s\n' "$with"
+    [ -n "$with" ] && printf 'SourceFile = %s\n' "$(basename "$with")"
     printf '%s\nSourceFile = %s\n' "$settings" "$name.qms"
 } > Quelmark.ini
 [ -f "$name.input" ] && export QUELMARKINPUT="$folder/$name.input"
