@@ -119,6 +119,11 @@ const char* AttributeName(std::int16_t attribute) {
     return named ? AttrTable[attribute].name : "no";
 }
 
+// A move may have wrapped to -32768, which the format does not have.
+std::int16_t Position(std::int16_t value) {
+    return value < VERTEX_MIN ? static_cast<std::int16_t>(VERTEX_MIN) : value;
+}
+
 void AppendPolygon(std::string& text, const PolygonRecord& polygon) {
     const std::uint16_t type = polygon.type & POLY_UVSHADE;
     text.append("prim\t").append(KEYWORDS[type]).append("\t(");
@@ -128,7 +133,7 @@ void AppendPolygon(std::string& text, const PolygonRecord& polygon) {
             text += "\n\t\t ";
         }
         first = false;
-        AppendWords(text, {vertex.x, vertex.y, vertex.z});
+        AppendWords(text, {Position(vertex.x), Position(vertex.y), Position(vertex.z)});
         if ((type & POLY_SHADE) != 0) {
             AppendWords(text, {vertex.nx, vertex.ny, vertex.nz});
         }
@@ -173,6 +178,11 @@ bool AppendObject(std::string& text, std::string_view name, Wanted wanted) {
     });
     text += "}\n";
     return good;
+}
+
+// What is appended to a file that begins with a UTF-8 byte order mark is read as UTF-8.
+SaveResult Append(std::string_view fileName, const std::string& text) {
+    return SaveAppending(fileName, BeginsWithUtf8Mark(fileName) ? Cp932ToUtf8(text) : text);
 }
 
 }  // namespace
@@ -286,8 +296,7 @@ bool SaveBlock(std::string_view fileName, const SufText& text, std::int32_t mode
     if (!text) {
         return false;
     }
-    const SaveResult result =
-        mode == FILE_APPEND ? SaveAppending(fileName, *text) : SaveReplacing(fileName, *text);
+    const SaveResult result = mode == FILE_APPEND ? Append(fileName, *text) : SaveReplacing(fileName, *text);
     if (result == SaveResult::notOpened) {
         Warning("ファイルがオープンできません"_sjis);
     }

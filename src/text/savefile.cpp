@@ -107,6 +107,18 @@ SaveResult SaveReplacing(std::string_view scriptPath, std::string_view bytes) {
     return SaveResult::saved;
 }
 
+bool BeginsWithUtf8Mark(std::string_view scriptPath) {
+    const auto path = HostPath(scriptPath);
+    struct stat status {};
+    if (!path || ::stat(path->c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return false;
+    }
+    const Descriptor file(::open(path->c_str(), O_RDONLY | O_CLOEXEC));
+    char bytes[3];
+    return file.IsOpen() && ::read(file.Number(), bytes, sizeof bytes) == sizeof bytes &&
+           std::string_view(bytes, sizeof bytes) == "\xEF\xBB\xBF";
+}
+
 SaveResult SaveAppending(std::string_view scriptPath, std::string_view bytes) {
     const auto path = HostPath(scriptPath);
     if (!path || path->empty()) {

@@ -264,6 +264,26 @@ TEST_F(Writer, NamesThatLookLikeWordsOfTheFormatAreReadBack) {
     EXPECT_EQ(warnings, "");
 }
 
+TEST_F(Writer, APositionThatWrappedIsWrittenAsTheNearestOneOfTheFormat) {
+    AttrAlloc("a");
+    Append(POLY_UVSHADE, 0,
+           {{-32768, -32768, -32768, -32768, 0, 0, -32768, 0},
+            {1, 0, 0, 0, 0, 0, 0, 0},
+            {0, 1, 0, 0, 0, 0, 0, 0}});
+    EXPECT_TRUE(ObjectText("o")->starts_with(
+        "obj suf o {\natr a\nprim\tuvshade\t(\t-32767\t-32767\t-32767\t-32768\t0\t0\t-32768\t0\n"));
+}
+
+TEST_F(Writer, WhatIsAppendedToAUtf8FileIsUtf8) {
+    Put("u.suf",
+        "\xEF\xBB\xBF"
+        "atr 赤 { }\n");
+    EXPECT_EQ(Run("AttrAppend(\"表\", 2); print(AttrWriteFile(\"u.suf\", 0, FILE_APPEND));\n"
+                  "print(AttrReadFile(\"u.suf\"), AttrSearch(\"表\"), AttrName(1), Attrs());"),
+              "11 0 赤 2");
+    EXPECT_NE(Get("u.suf").find("atr 表 {"), std::string::npos);
+}
+
 // ---- what becomes of the old file ----
 
 TEST_F(Writer, ReplacingKeepsTheModeOfTheFileAndWhatALinkMeans) {
