@@ -1,5 +1,6 @@
 #include "MODEL/FILE.h"
 
+#include <cmath>
 #include <string>
 
 #include "MATLIB/SETMAT.h"
@@ -70,6 +71,16 @@ std::int32_t WriteModel(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
+// What is infinite or no number has no form in the file.
+bool IsFinite(const Matrix& matrix, const Vector& background) {
+    for (const auto& row : matrix.row) {
+        if (!std::isfinite(row[0]) || !std::isfinite(row[1]) || !std::isfinite(row[2])) {
+            return false;
+        }
+    }
+    return std::isfinite(background.x) && std::isfinite(background.y) && std::isfinite(background.z);
+}
+
 std::int32_t WriteFrame(std::int32_t, std::int32_t argc, DataCell* argv) {
     constexpr const char* TYPE_MESSAGE = "%d番目の引数の型不正です(WriteFrame)"_sjis;
     if (argc > 3 && !IsVector(argv[3])) {
@@ -84,9 +95,10 @@ std::int32_t WriteFrame(std::int32_t, std::int32_t argc, DataCell* argv) {
         RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, 1, "WriteFrame");
     }
     const Vector background = argc > 3 ? ObjectData<Vector>(argv[3]) : Vector{0, 0, 0};
-    const SufText text =
-        FrameText(ObjectData<Matrix>(argv[0]), StringText(argv[2]), background, ViewState.angle);
-    if (text && SaveReplacing(StringText(argv[1]), *text) != SaveResult::saved) {
+    const Matrix& matrix = ObjectData<Matrix>(argv[0]);
+    const SufText text = FrameText(matrix, StringText(argv[2]), background, ViewState.angle);
+    if (text &&
+        (!IsFinite(matrix, background) || SaveReplacing(StringText(argv[1]), *text) != SaveResult::saved)) {
         Warning("フレームファイルが出力できません"_sjis);
     }
     return NO_RESULT;
