@@ -7,6 +7,7 @@
 #include "ML/ERROR.h"
 #include "MODEL/OBJ.h"
 #include "MODEL/POLY.h"
+#include "MODEL/SUFWORD.h"
 #include "text/cp932.h"
 #include "text/savefile.h"
 #include "text/sjis.h"
@@ -19,32 +20,23 @@ constexpr double FIXED_16 = 65536;
 
 // ---- names ----
 
-constexpr std::size_t NAME_BYTES = 31;
-
-bool EndsWord(std::string_view rest) {
-    return static_cast<unsigned char>(rest[0]) <= ' ' || rest[0] == '{' || rest[0] == '}' || rest[0] == '(' ||
-           rest[0] == ')' || rest.starts_with("/*");
-}
-
-// One word for the reader, who looks for nothing in the second byte of a double-byte character.
-bool IsWord(std::string_view name) {
-    for (std::size_t at = 0; at < name.size();) {
-        if (EndsWord(name.substr(at))) {
-            return false;
-        }
-        const bool whole = at + 1 < name.size() && IsTrailByte(static_cast<unsigned char>(name[at + 1]));
-        at += IsLeadByte(static_cast<unsigned char>(name[at])) && whole ? 2 : 1;
+// One word for the reader, and no number.
+bool IsName(const std::string& name) {
+    const char* at = name.c_str();
+    while (!IsSufBlank(*at) && !IsSufBracket(*at) && !BeginsSufComment(at)) {
+        at += SufCharacterBytes(at);
     }
-    return !name.empty();
+    double number = 0;
+    return !name.empty() && at == name.c_str() + name.size() && !IsSufNumber(name, number);
 }
 
 // False, with a warning, for a name that the reader would not take.
 bool AppendName(std::string& text, std::string_view name) {
-    if (name.size() > NAME_BYTES || !IsWord(name)) {
+    if (name.size() > SUF_NAME_BYTES || !IsName(std::string(name))) {
         Warning(std::string("名前（"_sjis)
                     .append(name)
-                    .append(name.size() > NAME_BYTES ? "）が長すぎます。（３１文字まで)"_sjis
-                                                     : "）がおかしい"_sjis));
+                    .append(name.size() > SUF_NAME_BYTES ? "）が長すぎます。（３１文字まで)"_sjis
+                                                         : "）がおかしい"_sjis));
         return false;
     }
     text += name;

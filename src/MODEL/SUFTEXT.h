@@ -13,7 +13,8 @@
 namespace quelmark {
 
 // Each text below is nothing, with a warning that quotes the name, when a name in it could not be read back:
-// one that is empty or longer than 31 bytes, or that has a blank, a bracket or the beginning of a comment.
+// one that is empty, a number or longer than 31 bytes, or that has a blank, a bracket or the beginning of a
+// comment.
 using SufText = std::optional<std::string>;
 
 SufText AttributeText(const AttributeRecord& attribute);

@@ -9,7 +9,7 @@
 #include <cmath>
 #include <new>
 
-#include "ML/STACK.h"
+#include "MODEL/SUFWORD.h"
 #include "reader/report.h"
 #include "text/cp932.h"
 #include "text/path.h"
@@ -75,19 +75,6 @@ consteval WordTable MakeWordTable() {
 }
 constexpr WordTable WORD_TABLE = MakeWordTable();
 
-bool IsBlank(char character) {
-    return static_cast<unsigned char>(character) <= ' ';
-}
-bool IsPunctuation(char character) {
-    return character == '{' || character == '}' || character == '(' || character == ')';
-}
-bool IsDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-bool BeginsComment(const char* at) {
-    return at[0] == '/' && at[1] == '*';
-}
-
 // Behind the comment at `at`, or at the end of the file.
 const char* SkipComment(const char* at) {
     for (at += 2; at < Shape.end; ++at) {
@@ -103,9 +90,9 @@ const char* SkipComment(const char* at) {
 void SkipBlanks() {
     const char* at = Shape.at;
     while (at < Shape.end) {
-        if (BeginsComment(at)) {
+        if (BeginsSufComment(at)) {
             at = SkipComment(at);
-        } else if (IsBlank(*at)) {
+        } else if (IsSufBlank(*at)) {
             Shape.line += *at++ == '\n' ? 1 : 0;
         } else {
             break;
@@ -119,10 +106,8 @@ void SkipBlanks() {
 std::string_view TakeWord() {
     const char* start = Shape.at;
     const char* at = start;
-    while (at < Shape.end && !IsBlank(*at) && !IsPunctuation(*at) && !BeginsComment(at)) {
-        at += IsLeadByte(static_cast<unsigned char>(*at)) && IsTrailByte(static_cast<unsigned char>(at[1]))
-                  ? 2
-                  : 1;
+    while (at < Shape.end && !IsSufBlank(*at) && !IsSufBracket(*at) && !BeginsSufComment(at)) {
+        at += SufCharacterBytes(at);
     }
     Shape.at = at;
     return {start, static_cast<std::size_t>(at - start)};
@@ -138,21 +123,9 @@ std::int32_t WordToken(std::string_view word) {
                                              : std::int32_t{TOKEN_NAME};
 }
 
-bool LooksNumeric(std::string_view word) {
-    const std::size_t sign = word[0] == '-' || word[0] == '+' ? 1 : 0;
-    return word.size() > sign &&
-           (IsDigit(word[sign]) || (word[sign] == '.' && word.size() > sign + 1 && IsDigit(word[sign + 1])));
-}
-
 void ClassifyWord(std::string_view word) {
     Shape.text = word;
-    if (LooksNumeric(word)) {
-        std::size_t used = 0;
-        Shape.number = ParseReal(word, &used);
-        Shape.token = used == word.size() ? static_cast<std::int32_t>(TOKEN_NUMBER) : TOKEN_NAME;
-    } else {
-        Shape.token = WordToken(word);
-    }
+    Shape.token = IsSufNumber(word, Shape.number) ? static_cast<std::int32_t>(TOKEN_NUMBER) : WordToken(word);
 }
 
 // Reads the whole file into Shape.bytes, growing them when it has grown since it was looked at.
@@ -237,7 +210,7 @@ void ShapeNext() {
         return;
     }
     const char first = *Shape.at;
-    if (!IsPunctuation(first)) {
+    if (!IsSufBracket(first)) {
         ClassifyWord(TakeWord());
         return;
     }
@@ -283,8 +256,13 @@ bool ShapeName(std::string& name) {
         ScannerReport(SCANNER_NAME, Shape.text);
         return false;
     }
-    if (Shape.text.size() > READER_NAME_BYTES) {
+    if (Shape.text.size() > SUF_NAME_BYTES) {
         ScannerReport(SCANNER_LONG_NAME, Shape.text);
+        ShapeNext();
+        return false;
+    }
+    if (Shape.token == TOKEN_NUMBER) {
+        ScannerReport(SCANNER_NAME, Shape.text);
         ShapeNext();
         return false;
     }

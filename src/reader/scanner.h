@@ -87,7 +87,6 @@ enum ReaderToken : std::int32_t {
     TOKEN_END = 255,
 };
 
-inline constexpr std::size_t READER_NAME_BYTES = 31;
 inline constexpr std::uint32_t COORDINATE_MOST = 32767;
 
 // The file being read. One is active; a part reference puts it aside and takes it back.
@@ -117,8 +116,8 @@ bool ShapeAccept(std::int32_t token);
 inline bool ShapeAtWord() {
     return Shape.token < WORD_COUNT || Shape.token == TOKEN_NUMBER || Shape.token == TOKEN_NAME;
 }
-// A name: any word. Reports and answers false when the current token is none; silently at the end of the
-// file.
+// A name: any word but a number, also a reserved one. Reports and answers false when the current token is
+// none; silently at the end of the file.
 bool ShapeName(std::string& name);
 // `( n numbers )`: as above.
 bool ShapeNumbers(std::span<double> numbers);

@@ -235,6 +235,7 @@ TEST_F(Writer, ANameThatCannotBeReadBackIsRefusedAndNothingIsWritten) {
         refused(
             "ObjName(ObjAppend(\"}\", \"\"), \"\"); ObjAppend(\"}\", \"\"); print(WriteModel(\"o.suf\"));"),
         "FALSE|名前（}）がおかしい\n");
+    EXPECT_EQ(refused("ObjName(0, \"12\"); print(WriteFile(0));"), "0|名前（12）がおかしい\n");
     EXPECT_EQ(refused("AttrName(0, \"\"); print(AttrWriteFile(\"o.suf\", 0));"), "0|名前（）がおかしい\n");
     EXPECT_EQ(refused("AttrMap(0, 1); AttrMapFile(0, \"my map.bmp\"); print(AttrWriteFile(\"o.suf\", 0));"),
               "0|名前（my map.bmp）がおかしい\n");
@@ -247,7 +248,7 @@ TEST_F(Writer, ANameThatCannotBeReadBackIsRefusedAndNothingIsWritten) {
 
 TEST_F(Writer, NamesThatLookLikeWordsOfTheFormatAreReadBack) {
     EXPECT_EQ(
-        Run("var i, names = {\"red\", \"obj\", \"12\", \"-0.5\", \"private\", \"suf\", \"a*/b\", \"マ\"};\n"
+        Run("var i, names = {\"red\", \"obj\", \"12x\", \"-.\", \"private\", \"suf\", \"a*/b\", \"マ\"};\n"
             "PolyVertexs(3);\n"
             "for (i = 0; i < 8; i++) {\n"
             "    PolyAttr(AttrAppend(names[i], i % 8)); PolyObj(ObjAppend(names[i], \"n.suf\")); "

@@ -70,6 +70,19 @@ TEST_F(Faults, PunctuationInThePlaceOfANameIsMalformed) {
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
+TEST_F(Faults, ANumberIsNoName) {
+    EXPECT_FALSE(
+        Read("obj suf\n12 {\n" + TRIANGLE + "}\n" + Block("atr a " + TRIANGLE + "atr -0.5 " + TRIANGLE)));
+    EXPECT_EQ(messages, (Lines{"t.suf  2 : 名前（12）がおかしい   next token=12",
+                               "t.suf  7 : 名前（-0.5）がおかしい   next token=-0.5"}));
+    ASSERT_EQ(Polygons().size(), 2U);
+    EXPECT_EQ(AttributeOf(Polygons()[1]), "a");
+    messages.clear();
+    EXPECT_FALSE(ReadAttributes("atr 1 { }\natr b { colormap ( 001 ) }"));
+    EXPECT_EQ(messages, (Lines{"t.suf  1 : 名前（1）がおかしい   next token=1",
+                               "t.suf  2 : 名前（001）がおかしい   next token=001"}));
+}
+
 TEST_F(Faults, AMissingBraceFailsTheBlock) {
     EXPECT_FALSE(Read("obj suf o\n" + GOOD + "}\n" + Block(GOOD, "p")));
     EXPECT_EQ(messages, Lines{"t.suf  2 :  { がありません。   next token=atr"});
