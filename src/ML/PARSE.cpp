@@ -2,17 +2,17 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
 #include "ML/ASSIGN.h"
-#include "ML/BRANCH.h"
 #include "ML/CODE.h"
+#include "ML/CONTROL.h"
 #include "ML/EMIT.h"
 #include "ML/ERROR.h"
 #include "ML/EXEC.h"
 #include "ML/FUNC.h"
 #include "ML/MEMBER.h"
 #include "ML/SCAN.h"
+#include "ML/STATEMENT.h"
 #include "text/sjis.h"
 
 namespace quelmark {
@@ -23,26 +23,6 @@ namespace {
 
 constexpr std::int32_t LOCALS_MOST = 256;
 constexpr std::int32_t GLOBALS_MOST = 32767;
-
-// Statement kinds, as trace lines name them.
-enum StatementKind : std::uint16_t {
-    STATEMENT_DECLARATION = 1,
-    STATEMENT_FUNCTION = 2,
-    STATEMENT_IF = 11,
-    STATEMENT_IF_ELSE = 12,
-    STATEMENT_WHILE = 13,
-    STATEMENT_DO = 14,
-    STATEMENT_FOR = 15,
-    STATEMENT_BREAK = 16,
-    STATEMENT_CONTINUE = 17,
-    STATEMENT_RETURN = 18,
-    STATEMENT_EMPTY = 20,
-    STATEMENT_BLOCK = 21,
-    STATEMENT_ASSIGN = 22,
-    STATEMENT_INCREMENT = 30,
-    STATEMENT_DECREMENT = 31,
-    STATEMENT_EXPRESSION = 32,
-};
 
 struct AssignRow {
     std::int32_t symbol;
@@ -62,61 +42,14 @@ constexpr AssignRow ASSIGNMENTS[] = {
     {SYM_DECREMENT, OP_DECREMENT, STATEMENT_DECREMENT, false},
 };
 
-// The jumps out of the loop being compiled, to be patched when its ends are known.
-struct Loop {
-    std::vector<std::int32_t> breaks;
-    std::vector<std::int32_t> continues;
-};
-
 IdentTablePtr globalNames;
 IdentTablePtr localNames;
 std::int32_t globalRoom = 0;
-std::vector<Loop> loops;
-std::int32_t statementDepth = 0;   // 1 for the outermost statement
-std::vector<std::int32_t> leaves;  // jumps to the end of the outermost statement of the top level
-
-void ParseStatement();
+std::int32_t statementDepth = 0;  // 1 for the outermost statement
 
 void PurgePrivateNames() {
     IdentPurgePrivate(globalNames.get());
     IdentPurgePrivate(FunctionNames.get());
-}
-
-void PatchAll(const std::vector<std::int32_t>& jumps, std::int32_t target) {
-    for (const std::int32_t jump : jumps) {
-        CodePatch(jump, target);
-    }
-}
-
-void ExpectSemicolon() {
-    Expect(SYM_SEMICOLON, " ; が必要です。"_sjis);
-}
-
-// The nodes made while this lives are gone afterwards.
-class NodeScope {
-  public:
-    NodeScope() : before_(Nodes.size()) {}
-    ~NodeScope() { Nodes.resize(before_, Node{NodeKind::Constant}); }
-    NodeScope(const NodeScope&) = delete;
-    NodeScope& operator=(const NodeScope&) = delete;
-
-  private:
-    std::size_t before_;
-};
-
-// The start of a statement: where its errors are reported, and its trace line.
-void BeginStatement(StatementKind kind, std::int32_t line) {
-    CodePosition(line);
-    if (TraceIsOn()) {
-        CodeEmit({Opcode::TRACE, kind});
-    }
-}
-
-NodeId ParseCondition() {
-    Expect(SYM_LEFT_PAREN, " ( が必要です。"_sjis);
-    const NodeId condition = ParseExpression();
-    Expect(SYM_RIGHT_PAREN, " ) が必要です。"_sjis);
-    return condition;
 }
 
 // ---- assignment and expression statements, without the `;` ----
@@ -152,7 +85,19 @@ void ParseAssignment(const Variable& variable, std::int32_t line) {
     EmitFreeTemporaries();
 }
 
-// An assignment when the statement begins with a variable, else an expression.
+}  // namespace
+
+void ExpectSemicolon() {
+    Expect(SYM_SEMICOLON, " ; が必要です。"_sjis);
+}
+
+void BeginStatement(StatementKind kind, std::int32_t line) {
+    CodePosition(line);
+    if (TraceIsOn()) {
+        CodeEmit({Opcode::TRACE, kind});
+    }
+}
+
 void ParseSimple(std::int32_t line) {
     if (CurrentToken.kind == TOKEN_IDENTIFIER && !ScanFollowedBy('(')) {
         const Variable variable = FindVariable(CurrentToken.text);
@@ -166,6 +111,8 @@ void ParseSimple(std::int32_t line) {
     EmitDropped(ParseExpression());
     EmitFreeTemporaries();
 }
+
+namespace {
 
 // ---- declarations ----
 
@@ -275,7 +222,7 @@ void ParseFunctionBody(std::int32_t ident) {
 }
 
 void ParseFunction(bool isPrivate, std::int32_t line) {
-    if (statementDepth > 1) {
+    if (!StatementIsOutermost()) {
         CompileError("%s", "関数宣言の位置が不正です"_sjis);
     }
     NextToken();
@@ -294,211 +241,6 @@ void ParseFunction(bool isPrivate, std::int32_t line) {
     localNames.reset();
     EmitReset();
     TopLevel.temporaries = std::max(TopLevel.temporaries, topTemporaries);
-}
-
-// ---- control statements ----
-
-// One `if (condition) statement`; answers the jump to what follows when the condition is false.
-std::int32_t ParseIfBranch(std::int32_t line) {
-    NextToken();
-    const std::int32_t trace = CodeHere();
-    BeginStatement(STATEMENT_IF, line);
-    std::int32_t otherwise = 0;
-    {
-        const NodeScope nodes;
-        otherwise = EmitJumpUnless(ParseCondition());
-    }
-    EmitFreeTemporaries();
-    ParseStatement();
-    if (TraceIsOn() && CurrentToken.kind == KEY_ELSE) {
-        Code[static_cast<std::size_t>(trace)].a = STATEMENT_IF_ELSE;
-    }
-    return otherwise;
-}
-
-// A chain of `else if` is read in turn, however long.
-void ParseIf(std::int32_t line) {
-    std::vector<std::int32_t> ends;
-    std::int32_t otherwise = ParseIfBranch(line);
-    while (Accept(KEY_ELSE)) {
-        ends.push_back(CodeEmit({Opcode::JUMP}));
-        CodePatch(otherwise, CodeHere());
-        if (CurrentToken.kind != KEY_IF) {
-            ParseStatement();
-            PatchAll(ends, CodeHere());
-            return;
-        }
-        otherwise = ParseIfBranch(CurrentToken.line);
-    }
-    CodePatch(otherwise, CodeHere());
-    PatchAll(ends, CodeHere());
-}
-
-void EndLoop(std::int32_t next) {
-    PatchAll(loops.back().continues, next);
-    PatchAll(loops.back().breaks, CodeHere());
-    loops.pop_back();
-}
-
-// The test at the bottom of a loop, reported at the loop's own line.
-void EmitLoopTest(NodeId condition, std::int32_t body, std::int32_t line) {
-    CodePosition(line);
-    EmitLoopIf(condition, body);
-    EmitFreeTemporaries();
-}
-
-void ParseWhile(std::int32_t line) {
-    const NodeScope nodes;
-    NextToken();
-    BeginStatement(STATEMENT_WHILE, line);
-    const NodeId condition = ParseCondition();
-    const std::int32_t enter = CodeEmit({Opcode::JUMP});
-    const std::int32_t body = CodeHere();
-    loops.emplace_back();
-    ParseStatement();
-    const std::int32_t next = CodeHere();
-    CodePatch(enter, next);
-    EmitLoopTest(condition, body, line);
-    EndLoop(next);
-}
-
-void ParseDo(std::int32_t line) {
-    const NodeScope nodes;
-    NextToken();
-    BeginStatement(STATEMENT_DO, line);
-    const std::int32_t body = CodeHere();
-    loops.emplace_back();
-    ParseStatement();
-    if (!Accept(KEY_WHILE)) {
-        CompileError("%s", "while が必要です。"_sjis);
-    }
-    const std::int32_t next = CodeHere();
-    EmitLoopTest(ParseCondition(), body, line);
-    EndLoop(next);
-    ExpectSemicolon();
-}
-
-// The step of a `for`: a statement whose `;` may be missing before the `)`.
-void ParseStep(std::int32_t line) {
-    const bool isKeyword = CurrentToken.kind >= TOKEN_KEYWORD && CurrentToken.kind < TOKEN_CONSTANT;
-    if (isKeyword || CurrentToken.kind == SYM_LEFT_BRACE) {
-        ParseStatement();
-        return;
-    }
-    if (CurrentToken.kind != SYM_RIGHT_PAREN && !Accept(SYM_SEMICOLON)) {
-        ParseSimple(line);
-        Accept(SYM_SEMICOLON);
-    }
-}
-
-// The step of a `for`, cut out of the code to stand behind the body. Jumps out of it count from its start.
-struct LoopStep {
-    std::vector<Instruction> code;
-    Loop jumps;
-    std::vector<std::int32_t> leaves;
-};
-
-LoopStep ParseLoopStep(std::int32_t line) {
-    const std::int32_t start = CodeHere();
-    LoopStep step;
-    const std::size_t leavesBefore = leaves.size();
-    loops.emplace_back();
-    ParseStep(line);
-    step.jumps = std::move(loops.back());
-    loops.pop_back();
-    step.leaves.assign(leaves.begin() + static_cast<std::ptrdiff_t>(leavesBefore), leaves.end());
-    leaves.resize(leavesBefore);
-    step.code = CodeCut(start);
-    for (auto* jumps : {&step.jumps.breaks, &step.jumps.continues, &step.leaves}) {
-        for (std::int32_t& jump : *jumps) {
-            jump -= start;
-        }
-    }
-    return step;
-}
-
-// Behind the body: `break` in the step ends the loop, `continue` the step.
-void PasteLoopStep(const LoopStep& step) {
-    const std::int32_t start = CodeHere();
-    CodePaste(step.code);
-    for (const std::int32_t jump : step.jumps.continues) {
-        CodePatch(start + jump, CodeHere());
-    }
-    for (const std::int32_t jump : step.jumps.breaks) {
-        loops.back().breaks.push_back(start + jump);
-    }
-    for (const std::int32_t jump : step.leaves) {
-        leaves.push_back(start + jump);
-    }
-}
-
-void ParseFor(std::int32_t line) {
-    const NodeScope nodes;
-    NextToken();
-    BeginStatement(STATEMENT_FOR, line);
-    Expect(SYM_LEFT_PAREN, " ( が必要です。"_sjis);
-    ParseStatement();
-    const NodeId condition = ParseExpression();
-    ExpectSemicolon();
-    const LoopStep step = ParseLoopStep(line);
-    Expect(SYM_RIGHT_PAREN, " ) が必要です。"_sjis);
-    CodePosition(line);
-    const std::int32_t enter = CodeEmit({Opcode::JUMP});
-    const std::int32_t body = CodeHere();
-    loops.emplace_back();
-    ParseStatement();
-    const std::int32_t next = CodeHere();
-    CodePosition(line);
-    if (EmitCountedLoop(step.code, condition, body)) {
-        // The count and its test are one instruction, so the first test stands on its own below.
-        const std::int32_t leave = CodeEmit({Opcode::JUMP});
-        CodePatch(enter, CodeHere());
-        EmitLoopTest(condition, body, line);
-        CodePatch(leave, CodeHere());
-    } else {
-        PasteLoopStep(step);
-        CodePatch(enter, CodeHere());
-        EmitLoopTest(condition, body, line);
-    }
-    EndLoop(next);
-}
-
-// Ends the function without a result; at the top level it ends the outermost statement.
-void EmitLeave() {
-    if (localNames) {
-        CodeEmit({Opcode::RETURN_NONE, 0, 0, 0, 0, UNSETTLED});
-    } else if (statementDepth > 1) {
-        leaves.push_back(CodeEmit({Opcode::JUMP}));
-    }
-}
-
-void ParseJump(std::int32_t line, StatementKind kind) {
-    NextToken();
-    BeginStatement(kind, line);
-    if (!loops.empty()) {
-        auto& jumps = kind == STATEMENT_BREAK ? loops.back().breaks : loops.back().continues;
-        jumps.push_back(CodeEmit({Opcode::JUMP}));
-    } else {
-        EmitLeave();
-    }
-    ExpectSemicolon();
-}
-
-void ParseReturn(std::int32_t line) {
-    const NodeScope nodes;
-    NextToken();
-    BeginStatement(STATEMENT_RETURN, line);
-    if (CurrentToken.kind == SYM_SEMICOLON) {
-        EmitLeave();
-    } else {
-        const std::uint16_t value = EmitValue(ParseExpression());
-        CodeEmit({localNames ? Opcode::RETURN : Opcode::DROP, 0, value, 0, 0, UNSETTLED});
-        if (!localNames) {
-            EmitLeave();
-        }
-    }
-    EmitFreeTemporaries();
-    ExpectSemicolon();
 }
 
 void ParseBlock(std::int32_t line) {
@@ -520,6 +262,8 @@ class DepthGuard {
     DepthGuard(const DepthGuard&) = delete;
     DepthGuard& operator=(const DepthGuard&) = delete;
 };
+
+}  // namespace
 
 void ParseStatement() {
     const NestingGuard guard;
@@ -561,7 +305,9 @@ void ParseStatement() {
     }
 }
 
-}  // namespace
+bool StatementIsOutermost() {
+    return statementDepth <= 1;
+}
 
 void ParserInit(std::int32_t globals) {
     ParserExit();
@@ -573,8 +319,7 @@ void ParserExit() {
     globalNames.reset();
     localNames.reset();
     globalRoom = 0;
-    loops.clear();
-    leaves.clear();
+    ControlReset();
     Nodes.clear();
     TopLevel = {};
 }
@@ -587,8 +332,7 @@ class CompileScope {
     CompileScope() : code_(CodeHere()), functions_(ScriptFunctions.size()) {}
     ~CompileScope() {
         localNames.reset();
-        loops.clear();
-        leaves.clear();
+        ControlReset();
         Nodes.clear();
         if (finished_) {
             return;
@@ -616,8 +360,7 @@ void ParseFile() {
     EmitReset();
     while (CurrentToken.kind != SYM_END) {
         ParseStatement();
-        PatchAll(leaves, CodeHere());
-        leaves.clear();
+        ControlLeaveHere();
     }
     TopLevel.temporaries = std::max(TopLevel.temporaries, EmitTemporariesUsed());
     PurgePrivateNames();
