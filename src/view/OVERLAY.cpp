@@ -70,9 +70,8 @@ void TurnNoted(const PixelRect& area) {
     for (std::int32_t y = area.top; y < area.bottom; ++y) {
         std::uint8_t* const row = ViewFrame.Row(y);
         for (std::int32_t x = area.left; x < area.right; ++x) {
-            if ((row[x] & NOTED) != 0) {
-                row[x] ^= NOTED | COLOUR_LINE;
-            }
+            const int turn = (row[x] & NOTED) != 0 ? NOTED | COLOUR_LINE : 0;
+            row[x] = static_cast<std::uint8_t>(row[x] ^ turn);
         }
     }
 }
@@ -110,20 +109,26 @@ bool ToScreen(Shape shape, const ModelLine& line, std::int32_t view, ScreenLine&
     return true;
 }
 
-void DrawItem(const Item& item, Ink ink) {
+void DrawInView(const Item& item, std::int32_t view, const PixelRect& clip, Ink ink) {
     std::vector<ScreenLine> lines;
+    for (const ModelLine& line : item.lines) {
+        ScreenLine screen{};
+        if (ToScreen(item.shape, line, view, screen)) {
+            lines.push_back(screen);
+        }
+    }
+    DrawScreenLines(lines, clip, ink, item.shape == Shape::ModelMarks);
+}
+
+void DrawItem(const Item& item, Ink ink) {
+    if (item.shape == Shape::PaneLines) {
+        // Once over the pane: two views share a row or a column when its size is odd.
+        return DrawInView(item, 0, ViewFrame.Bounds(), ink);
+    }
     for (std::int32_t view = WIN_XY; view <= WIN_PERS; view <<= 1) {
-        if ((VisibleViews & view) == 0) {
-            continue;
+        if ((VisibleViews & view) != 0) {
+            DrawInView(item, view, ViewClip(view), ink);
         }
-        lines.clear();
-        for (const ModelLine& line : item.lines) {
-            ScreenLine screen{};
-            if (ToScreen(item.shape, line, view, screen)) {
-                lines.push_back(screen);
-            }
-        }
-        DrawScreenLines(lines, ViewClip(view), ink, item.shape == Shape::ModelMarks);
     }
 }
 

@@ -27,7 +27,7 @@ void OverlayReset();
 void OverlayModelLines(std::vector<ModelLine> lines, LineMode mode);
 // Squares of 3 × 3 pixels at model points, likewise.
 void OverlayModelMarks(const std::vector<ModelPoint>& points, LineMode mode);
-// Lines between pane points (x and y of the points), inside the views, by exclusive-or.
+// Lines between pane points (x and y of the points), across the whole pane, by exclusive-or.
 void OverlayPaneLines(std::vector<ModelLine> lines);
 // Draws everything there is, by exclusive-or, once: to show it and to take it away again.
 void OverlayToggle();

@@ -35,3 +35,9 @@ cmp -s other.ppm failed/drawn.ppm || fail "what was drawn is not kept for a look
 QUELMARK_RENEW=1 case/run.sh program "$compare" case/drawn.qms "$folder/failed" > /dev/null || fail "renewing fails"
 case/run.sh program "$compare" case/drawn.qms "$folder/failed" || fail "a renewed picture does not pass"
 [ ! -e failed/drawn.ppm ] || fail "a picture that passes stays among the failed"
+
+# Every kept picture is one that a case takes.
+for kept in "$here"/pictures/*.gz; do
+    picture=$(basename "$kept" .gz)
+    grep -qx "shot $picture" "$here"/*.input || [ -f "$here/${picture%.ppm}.qms" ] || fail "no case draws $picture"
+done

@@ -247,6 +247,20 @@ TEST_F(View3D, AFigureSeenEdgeOnDoesNotCancelItself) {
     OverlayModelLines(figure, LINE_XOR);
     EXPECT_EQ(ViewFrame.pixels, before);
 }
+TEST_F(View3D, ALineOnThePaneHasNoGapsBetweenTheViews) {
+    ViewLayout(801, 623, 16);  // 601 rows: the right views share one, the left ones leave one over
+    ViewSetMask(WIN_ALL);
+    for (const std::int32_t x : {100, 500}) {
+        OverlayPaneLines({{{x, 0, 0}, {x, 622, 0}}});
+        for (int y = 0; y <= 622; ++y) {
+            EXPECT_EQ(At({x, y}), COLOUR_BACKGROUND ^ COLOUR_LINE) << x << " " << y;
+        }
+    }
+    ViewSetMask(WIN_XY | WIN_PERS);
+    EXPECT_EQ(At({100, 450}), COLOUR_BACKGROUND ^ COLOUR_LINE);
+    ViewClear(false);
+    EXPECT_EQ(std::ranges::count(ViewFrame.pixels, COLOUR_BACKGROUND), 801 * 623);
+}
 TEST_F(View3D, ATextStaysUntilItsViewIsCleared) {
     const auto add = [](std::int32_t views, std::int32_t left, const char* text) {
         ViewTextAdd({views, {0, 0, 801, 600}, {left, 10, left + 40, 26}, text, COLOUR_LINE});
