@@ -39,6 +39,15 @@ void KeepAnswer(const DialogRow& row) {
         AnswerKindOf(row.kind), std::string(CutText(row.text, DIALOG_TEXT_BYTES)), row.value};
 }
 
+// The initial value that the row's control can show.
+std::int32_t Showable(const DialogRow& row) {
+    if (row.kind == RowKind::Slider) {
+        return std::clamp(row.value, row.lower, std::max(row.lower, row.upper));
+    }
+    const bool isChoice = 0 <= row.value && row.value < static_cast<std::int32_t>(row.choices.size());
+    return row.kind == RowKind::Selection && !isChoice ? 0 : row.value;
+}
+
 std::int32_t Columns(std::string_view text) {
     return static_cast<std::int32_t>(text.size());
 }
@@ -94,6 +103,7 @@ void DialogAddRow(DialogRow row) {
         return;
     }
     std::erase_if(underConstruction->rows, [&](const DialogRow& old) { return old.row == row.row; });
+    row.value = Showable(row);
     underConstruction->rows.push_back(std::move(row));
 }
 

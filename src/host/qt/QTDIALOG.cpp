@@ -1,5 +1,6 @@
 #include "host/qt/QTDIALOG.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
@@ -10,13 +11,16 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSlider>
+#include <QToolTip>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "host/qt/QTTEXT.h"
 #include "text/path.h"
+#include "text/sjis.h"
 
 namespace quelmark {
 namespace {
@@ -31,6 +35,25 @@ QLabel* AddLabel(QHBoxLayout& line, const std::string& text) {
     return label;
 }
 
+// Characters that scripts cannot have are refused while they are typed: the field keeps its text and says
+// why.
+void RefuseForeignText(QLineEdit* field) {
+    const auto kept = std::make_shared<QString>(field->text());
+    QObject::connect(field, &QLineEdit::textChanged, field, [field, kept](const QString& text) {
+        if (Utf8ToCp932(text.toStdString())) {
+            *kept = text;
+            return;
+        }
+        QApplication::beep();
+        QToolTip::showText(field->mapToGlobal(QPoint(0, field->height())),
+                           ToText("シフトJISで表せない文字は使えません。"_sjis), field);
+        const int cursor = field->cursorPosition();
+        const auto longer = static_cast<int>(text.size() - kept->size());
+        field->setText(*kept);
+        field->setCursorPosition(std::max(cursor - longer, 0));
+    });
+}
+
 void AddBrowseButton(QHBoxLayout& line, QLineEdit* field, const DialogRow& row) {
     auto* button = new QPushButton(QStringLiteral("…"));
     button->setAutoDefault(false);  // Enter belongs to the accept button
@@ -38,7 +61,7 @@ void AddBrowseButton(QHBoxLayout& line, QLineEdit* field, const DialogRow& row) 
     QObject::connect(button, &QPushButton::clicked, field, [field, &row] {
         FileDialog dialog;
         dialog.title = row.label;
-        dialog.initialName = Utf8ToCp932Lossy(field->text().toStdString());
+        dialog.initialName = Utf8ToCp932(field->text().toStdString()).value_or("");
         dialog.filters = row.filters;
         dialog.defaultExtension = row.defaultExtension;
         const auto path = ScriptPath(QtRunFileDialog(field, dialog));
@@ -54,10 +77,11 @@ TakeAnswer AddField(QHBoxLayout& line, DialogRow& row) {
     const int width = std::clamp(row.width, 1, 80);
     field->setMinimumWidth(QFontMetrics(field->font()).horizontalAdvance(QLatin1Char('0')) * width);
     line.addWidget(field);
+    RefuseForeignText(field);
     if (!row.filters.empty()) {
         AddBrowseButton(line, field, row);
     }
-    return [field, &row] { row.text = Utf8ToCp932Lossy(field->text().toStdString()); };
+    return [field, &row] { row.text = Utf8ToCp932(field->text().toStdString()).value_or(""); };
 }
 
 TakeAnswer AddToggle(QHBoxLayout& line, DialogRow& row) {

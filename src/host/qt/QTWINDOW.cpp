@@ -13,12 +13,14 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ML/ERROR.h"
 #include "host/BUTTONS.h"
 #include "host/HOST.h"
 #include "host/PANES.h"
 #include "host/qt/KEYTABLE.h"
 #include "host/qt/QTDIALOG.h"
 #include "host/qt/QTTEXT.h"
+#include "text/sjis.h"
 #include "view/TEXTS.h"
 #include "view/VIEW.h"
 
@@ -190,7 +192,11 @@ void QtWindow::keyReleaseEvent(QKeyEvent* event) {
 }
 
 void QtWindow::inputMethodEvent(QInputMethodEvent* event) {
-    for (const char byte : Utf8ToCp932Lossy(event->commitString().toStdString())) {
+    const auto text = Utf8ToCp932(event->commitString().toStdString());
+    if (!text) {
+        Warning("シフトJISで表せない文字は使えません。"_sjis);
+    }
+    for (const char byte : text.value_or("")) {
         PutKey(static_cast<unsigned char>(byte));
     }
     event->accept();

@@ -115,6 +115,24 @@ TEST_F(DialogTest, AResultOfAThousandAndMoreNumbersTheButtons) {
     });
 }
 
+TEST_F(DialogTest, AnInitialValueIsOneThatTheControlCanShow) {
+    Run([] {
+        DialogOpen(Dialog{});
+        DialogRow slider = Row(RowKind::Slider, 0);
+        slider.lower = 2;
+        slider.upper = 9;
+        slider.value = 50;
+        DialogAddRow(slider);
+        DialogRow list = Row(RowKind::Selection, 1);
+        list.choices = {"a", "b"};
+        list.value = 2;
+        DialogAddRow(list);
+        DialogRun();
+        EXPECT_EQ(DialogAnswerOf(0).value, 9);
+        EXPECT_EQ(DialogAnswerOf(1).value, 0);
+    });
+}
+
 TEST_F(DialogTest, ASecondRowReplacesTheFirstOfItsNumber) {
     Run([] {
         DialogOpen(Dialog{});
