@@ -43,6 +43,10 @@ printf '\nprint(1' > home/bad.qms
 expect "a parse error names file and line" 1 "bad.qms:2:  Error  ) が必要です" env MODELPATH=home "$program"
 head -c 4000 "$program" > home/bad.qms
 expect "a binary script is refused" 1 "Error" env MODELPATH=home "$program"
+mkdir home/sub
+printf 'nothing;' > home/sub/deeper.qms
+printf 'SourceFile = sub\\deeper.qms\n' > home/Quelmark.ini
+expect "a message names the part behind the last separator" 1 "deeper.qms:1:  Error 識別子 nothing は定義されていません" env MODELPATH=home "$program"
 mkdir home/folder.qms
 printf 'SourceFile = folder.qms\n' > home/Quelmark.ini
 expect "a folder is no script" 1 "オープンできません。" env MODELPATH=home "$program"
