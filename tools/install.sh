@@ -20,6 +20,6 @@ install_missing() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null >/dev/null
 }
 
-BUILD_PACKAGES=(g++ cmake ninja-build qt6-base-dev libgl-dev)
+BUILD_PACKAGES=(g++ cmake ninja-build qt6-base-dev libgl-dev zlib1g-dev)
 WINDOW_PACKAGES=(qt6-qpa-plugins libxcb-cursor0 fonts-ipafont-gothic)
 TEST_PACKAGES=(clang clang-format clang-tidy libgtest-dev libbenchmark-dev xvfb xdotool x11-utils imagemagick locales)

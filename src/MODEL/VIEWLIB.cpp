@@ -14,8 +14,10 @@
 #include "MODEL/SELECT.h"
 #include "MODEL/VERTEX.h"
 #include "host/HOST.h"
+#include "host/IMAGE.h"
 #include "host/INPUT.h"
 #include "host/PANES.h"
+#include "text/savefile.h"
 #include "text/sjis.h"
 #include "view/OVERLAY.h"
 #include "view/TEXTS.h"
@@ -358,6 +360,30 @@ std::int32_t SelectPoint(std::int32_t, std::int32_t, DataCell* argv) {
     return RESULT;
 }
 
+// The views of the mask that are shown, in one picture with what lies between them.
+PixelRect ViewsArea(std::int32_t mask) {
+    PixelRect area{ViewFrame.width, ViewFrame.height, 0, 0};
+    for (std::int32_t i = 0; i < VIEW_COUNT; ++i) {
+        if ((mask & VisibleViews & 1 << i) != 0) {
+            const PixelRect view = Views[i].Rect();
+            area = {std::min(area.left, view.left), std::min(area.top, view.top),
+                    std::max(area.right, view.right), std::max(area.bottom, view.bottom)};
+        }
+    }
+    return area;
+}
+
+std::int32_t ViewImage(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::string png = PngOf(ViewsArea(argc > 1 ? argv[1].integer : WIN_ALL));
+    const bool isSaved =
+        !png.empty() && IsString(argv[0]) && SaveReplacing(StringText(argv[0]), png) == SaveResult::saved;
+    if (!png.empty() && !isSaved) {
+        Warning("ファイルがオープンできません"_sjis);
+    }
+    StackPushBool(isSaved);
+    return RESULT;
+}
+
 constexpr ConstantRow CONSTANTS[] = {
     {"WIN_XY", IntCell(WIN_XY)},     {"WIN_YZ", IntCell(WIN_YZ)},   {"WIN_ZX", IntCell(WIN_ZX)},
     {"WIN_PERS", IntCell(WIN_PERS)}, {"WIN_ALL", IntCell(WIN_ALL)}, {"LINE_OR", IntCell(LINE_OR)},
@@ -398,6 +424,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "DrawInvisible", Flag<&ViewSettings::drawInvisible>, Takes("DrawInvisible", {TYPE_FLAG}, 0)},
     {"", "DrawFrontOnly", Flag<&ViewSettings::frontOnly>, Takes("DrawFrontOnly", {TYPE_FLAG}, 0)},
     {"", "ViewCursor", ViewCursor, Takes("ViewCursor", {TYPE_FLAG}, 0)},
+    {"String", "ViewImage", ViewImage, Takes("ViewImage", {TYPE_OBJECT, TYPE_INT}, 1)},
     {"", "MousePoint", MousePoint, Takes("MousePoint", {})},
     {"", "SelectPoint", SelectPoint, Takes("SelectPoint", {TYPE_FLAG, TYPE_INT, TYPE_INT, TYPE_INT})},
 };

@@ -17,6 +17,7 @@
 #include "host/BUTTONS.h"
 #include "host/CONFIG.h"
 #include "host/INPUT.h"
+#include "host/PALETTE.h"
 #include "host/PANES.h"
 #include "reader/objread.h"
 #include "text/cp932.h"
@@ -213,22 +214,6 @@ void CompileSources(const std::vector<std::string>& lines) {
     }
 }
 
-void SetPalette() {
-    struct Entry {
-        std::int32_t index;
-        std::uint8_t red, green, blue;
-    };
-    constexpr Entry ENTRIES[] = {
-        {0, 0, 0, 0},     {1, 0, 0, 255},      {2, 255, 0, 0},      {3, 255, 0, 255},
-        {4, 0, 255, 0},   {5, 0, 255, 255},    {6, 255, 255, 0},    {7, 255, 255, 255},
-        {8, 255, 0, 255}, {9, 0, 0, 127},      {10, 180, 180, 180}, {11, 127, 0, 127},
-        {12, 255, 0, 0},  {13, 100, 100, 100}, {14, 255, 255, 0},   {15, 255, 255, 255},
-    };
-    for (const Entry& entry : ENTRIES) {
-        window->SetPalette(entry.index, entry.red, entry.green, entry.blue);
-    }
-}
-
 bool BreakWanted() {
     const bool wanted = window->TakeBreakKey();
     PanesRefresh();
@@ -300,7 +285,7 @@ void StartUp(const CommandLine& commandLine, void (*registerLibraries)()) {
     CompileSources(*lines);
     ExecInit();
     PanesReset();
-    SetPalette();
+    PaletteInit();
     HandlersReset();
     MenuBarReset();
     DialogReset();

@@ -8,6 +8,7 @@
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "host/HOST.h"
+#include "host/PALETTE.h"
 #include "host/PANES.h"
 #include "view/OVERLAY.h"
 
@@ -102,7 +103,7 @@ void Pulse() {
     constexpr double TURN = 6.283185307179586;
     const auto p =
         static_cast<std::uint8_t>((127 - 127 * std::cos(TURN * pulseIndex / PULSE_COLOURS)) / 6 + 212.5);
-    HostWindow().SetPalette(PULSE_ENTRY, p, 0, p);
+    PaletteSet(PULSE_ENTRY, {p, 0, p});
 }
 
 constexpr std::int32_t MOVES = 4;  // in the tracking mask: the pointer's moves end a wait step, too
