@@ -135,8 +135,11 @@ TEST_F(Host, TheBreakCheckIsAskedAtMostEveryFewMilliseconds) {
 
 TEST_F(Host, SlowBuiltInsDoNotDelayTheBreakCheck) {
     checks = 0;
+    static int calls;
+    calls = 0;
     registerMore = [] {
         FunctionRegister(0, "slow", [](std::int32_t, std::int32_t, DataCell*) -> std::int32_t {
+            ++calls;
             const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(5);
             while (std::chrono::steady_clock::now() < until) {
             }
@@ -144,11 +147,9 @@ TEST_F(Host, SlowBuiltInsDoNotDelayTheBreakCheck) {
         });
     };
     SetBreakCheck([] { return ++checks > 20; });
-    const auto start = std::chrono::steady_clock::now();
     Run("var i; for (i = 0; i < 500000; i++) ; while (TRUE) slow();");
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_EQ(message, "test.qms:1:  Error 強制終了しました");
-    EXPECT_LT(elapsed.count(), 2.0);
+    EXPECT_LE(calls, 100);  // a check every few calls
 }
 
 TEST_F(Host, TheTraceNamesEachStatement) {
