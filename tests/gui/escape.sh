@@ -27,9 +27,8 @@ cd "$folder" || exit 1
 MODELPATH="$folder" "$program" >"$folder/printed" 2>/dev/null &
 window=$!
 for _ in $(seq 100); do xdotool search --name '^Quelmark' >/dev/null 2>&1 && break; sleep 0.05; done
-sleep 0.5
-xdotool key r
-for _ in $(seq 100); do grep -q reading "$folder/printed" && break; sleep 0.05; done
+# The key may come before the window takes keys.
+for _ in $(seq 20); do xdotool key r; sleep 0.5; grep -q reading "$folder/printed" && break; done
 sleep 0.3
 kill -0 $window 2>/dev/null || { echo "the reading was over too soon"; cat "$folder/printed"; exit 1; }
 xdotool key Escape
