@@ -217,7 +217,7 @@ ObjectBlock* StringAlloc(std::size_t length) {
 ObjectBlock* StringNew(std::string_view text) {
     ObjectBlock* block = StringAlloc(text.size());
     auto* bytes = reinterpret_cast<char*>(block->Data());
-    std::memcpy(bytes, text.data(), text.size());
+    text.copy(bytes, text.size());  // the text may be one without an address
     bytes[text.size()] = '\0';
     return block;
 }
