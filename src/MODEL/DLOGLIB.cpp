@@ -185,6 +185,13 @@ std::int32_t DlogSlider(std::int32_t, std::int32_t argc, DataCell* argv) {
     return NO_RESULT;
 }
 
+std::int32_t DlogEvent(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (Dialog* dialog = DialogUnderConstruction()) {
+        dialog->handler = argc > 0 ? argv[0].integer : -1;
+    }
+    return NO_RESULT;
+}
+
 std::int32_t DlogWait(std::int32_t, std::int32_t, DataCell*) {
     StackPushInt(DialogRun());
     return RESULT;
@@ -230,6 +237,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "DlogToggle", DlogToggle, Takes("DlogToggle", {TYPE_INT, TYPE_OBJECT, TYPE_OBJECT, TYPE_FLAG})},
     {"", "DlogSelect", DlogSelect, Takes("DlogSelect", {TYPE_INT, TYPE_OBJECT, TYPE_ARRAY, TYPE_INT})},
     {"", "DlogSlider", DlogSlider},
+    {"", "DlogEvent", DlogEvent, Takes("DlogEvent", {TYPE_FUNC}, 0)},
     {"", "DlogWait", DlogWait, Takes("DlogWait", {})},
     {"", "DlogAnswer", DlogAnswer, Takes("DlogAnswer", {TYPE_INT})},
     {"", "DlogFileOpen", DlogFileOpen},

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <optional>
 
 #include "ML/ERROR.h"
 #include "host/HOST.h"
+#include "host/INPUT.h"
 #include "host/TEXTCUT.h"
 #include "text/path.h"
 #include "text/sjis.h"
@@ -46,6 +48,14 @@ std::int32_t Showable(const DialogRow& row) {
     }
     const bool isChoice = 0 <= row.value && row.value < static_cast<std::int32_t>(row.choices.size());
     return row.kind == RowKind::Selection && !isChoice ? 0 : row.value;
+}
+
+// The answers are those of this dialog alone, even when its handler has run another one.
+void KeepAnswers(const Dialog& dialog) {
+    answers.fill(DialogAnswerSlot{});
+    for (const DialogRow& row : dialog.rows) {
+        KeepAnswer(row);
+    }
 }
 
 std::int32_t Columns(std::string_view text) {
@@ -114,11 +124,28 @@ std::int32_t DialogRun() {
     Dialog dialog = std::move(*underConstruction);
     underConstruction.reset();
     const std::int32_t result = HostWindow().RunDialog(dialog);
-    for (const DialogRow& row : dialog.rows) {
-        KeepAnswer(row);
-    }
+    KeepAnswers(dialog);
     HostWindow().Deliver(0);
+    HostRaiseKept();
     return result >= BUTTON_RESULT_FIRST ? result - BUTTON_RESULT_FIRST : result;
+}
+
+void DialogChanged(Dialog& dialog, std::int32_t row) {
+    KeepAnswers(dialog);
+    dialog.untold |= 1U << row;
+    if (dialog.telling || dialog.handler < 0) {
+        return;
+    }
+    // A slow handler lets the window system deliver messages. A row that changes meanwhile is told of when
+    // the handler has come back, once, however often it has changed.
+    dialog.telling = true;
+    while (dialog.untold != 0) {
+        const std::int32_t next = std::countr_zero(dialog.untold);
+        dialog.untold &= dialog.untold - 1;
+        KeepAnswers(dialog);
+        HostGuarded([&] { CallHandler(dialog.handler, {next}); });
+    }
+    dialog.telling = false;
 }
 
 void DialogReset() {

@@ -60,6 +60,9 @@ struct Dialog {
     std::vector<DialogRow> rows;
     std::vector<DialogButton> buttons;
     std::size_t acceptButton = 0;  // pressed by Enter; Escape ends with 0
+    std::int32_t handler = -1;     // a script's, told of each row that the user changes
+    std::uint32_t untold = 0;      // rows changed that it is still to be told of, a bit each
+    bool telling = false;          // it is running
 };
 
 // Pixels, for a font of character width cw and line height lh.
@@ -85,8 +88,11 @@ Dialog* DialogUnderConstruction();
 // Adds a row; it has no answer until the dialog has run. A row that stands already is replaced.
 void DialogAddRow(DialogRow row);
 // Runs the dialog under construction modally and keeps the answers; 0 when there is none. A result of 1000 or
-// more is reduced by 1000.
+// more is reduced by 1000. An error in the dialog's handler is raised when the dialog has closed.
 std::int32_t DialogRun();
+// The window tells of a row that the user has changed; every row holds what its control shows. The answers
+// are then those of this moment, and the dialog's handler is called.
+void DialogChanged(Dialog& dialog, std::int32_t row);
 void DialogReset();
 // Without a dialog under construction again (after an error).
 void DialogDiscard();

@@ -26,6 +26,7 @@ namespace quelmark {
 namespace {
 
 using TakeAnswer = std::function<void()>;
+using Changed = std::function<void()>;
 
 QLabel* AddLabel(QHBoxLayout& line, const std::string& text) {
     auto* label = new QLabel;
@@ -71,7 +72,7 @@ void AddBrowseButton(QHBoxLayout& line, QLineEdit* field, const DialogRow& row) 
     });
 }
 
-TakeAnswer AddField(QHBoxLayout& line, DialogRow& row) {
+TakeAnswer AddField(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
     AddLabel(line, row.label);
     auto* field = new QLineEdit(ToText(row.text));
     const int width = std::clamp(row.width, 1, 80);
@@ -81,18 +82,20 @@ TakeAnswer AddField(QHBoxLayout& line, DialogRow& row) {
     if (!row.filters.empty()) {
         AddBrowseButton(line, field, row);
     }
+    QObject::connect(field, &QLineEdit::textChanged, field, changed);
     return [field, &row] { row.text = Utf8ToCp932(field->text().toStdString()).value_or(""); };
 }
 
-TakeAnswer AddToggle(QHBoxLayout& line, DialogRow& row) {
+TakeAnswer AddToggle(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
     AddLabel(line, row.label);
     auto* box = new QCheckBox(ToLabel(row.caption));
     box->setChecked(row.value != 0);
     line.addWidget(box);
+    QObject::connect(box, &QCheckBox::toggled, box, changed);
     return [box, &row] { row.value = box->isChecked() ? 1 : 0; };
 }
 
-TakeAnswer AddSelection(QHBoxLayout& line, DialogRow& row) {
+TakeAnswer AddSelection(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
     AddLabel(line, row.label);
     auto* list = new QComboBox;
     for (const std::string& choice : row.choices) {
@@ -100,10 +103,11 @@ TakeAnswer AddSelection(QHBoxLayout& line, DialogRow& row) {
     }
     list->setCurrentIndex(row.value);
     line.addWidget(list);
+    QObject::connect(list, &QComboBox::currentIndexChanged, list, changed);
     return [list, &row] { row.value = std::max(list->currentIndex(), 0); };
 }
 
-TakeAnswer AddSlider(QHBoxLayout& line, DialogRow& row) {
+TakeAnswer AddSlider(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
     AddLabel(line, row.label);
     auto* slider = new QSlider(Qt::Horizontal);
     slider->setRange(row.lower, std::max(row.lower, row.upper));
@@ -116,19 +120,20 @@ TakeAnswer AddSlider(QHBoxLayout& line, DialogRow& row) {
     show(slider->value());
     line.addWidget(number);
     QObject::connect(slider, &QSlider::valueChanged, number, show);
+    QObject::connect(slider, &QSlider::valueChanged, slider, changed);
     return [slider, &row] { row.value = slider->value(); };
 }
 
-TakeAnswer AddRow(QHBoxLayout& line, DialogRow& row) {
+TakeAnswer AddRow(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
     switch (row.kind) {
         case RowKind::Text:
-            return AddField(line, row);
+            return AddField(line, row, changed);
         case RowKind::Toggle:
-            return AddToggle(line, row);
+            return AddToggle(line, row, changed);
         case RowKind::Selection:
-            return AddSelection(line, row);
+            return AddSelection(line, row, changed);
         case RowKind::Slider:
-            return AddSlider(line, row);
+            return AddSlider(line, row, changed);
         case RowKind::Message:
             AddLabel(line, row.label);
             break;
@@ -138,17 +143,22 @@ TakeAnswer AddRow(QHBoxLayout& line, DialogRow& row) {
 
 }  // namespace
 
-std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog) {
+std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
+                         const std::function<void(std::int32_t row)>& changed) {
     constexpr int RESULT_BASE = 1000;  // apart from the library's own results
     QDialog shown(parent);
     shown.setWindowTitle(ToText(dialog.title));
     auto* lines = new QVBoxLayout(&shown);
     std::ranges::stable_sort(dialog.rows, {}, &DialogRow::row);
     std::vector<TakeAnswer> answers;
+    const auto take = [&answers] { std::ranges::for_each(answers, [](const TakeAnswer& one) { one(); }); };
     for (DialogRow& row : dialog.rows) {
         auto* line = new QHBoxLayout;
         lines->addLayout(line);
-        answers.push_back(AddRow(*line, row));
+        answers.push_back(AddRow(*line, row, [take, &changed, number = row.row] {
+            take();
+            changed(number);
+        }));
         line->addStretch();
     }
     auto* buttons = new QHBoxLayout;
@@ -162,9 +172,7 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog) {
         QObject::connect(button, &QPushButton::clicked, &shown, [&shown, result] { shown.done(result); });
     }
     const int result = shown.exec();
-    for (const TakeAnswer& take : answers) {
-        take();
-    }
+    take();
     return result >= RESULT_BASE ? result - RESULT_BASE : 0;
 }
 

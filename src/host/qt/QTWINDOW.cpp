@@ -16,6 +16,7 @@
 #include "ML/ERROR.h"
 #include "host/BUTTONS.h"
 #include "host/HOST.h"
+#include "host/INPUT.h"
 #include "host/PANES.h"
 #include "host/qt/KEYTABLE.h"
 #include "host/qt/QTDIALOG.h"
@@ -308,7 +309,34 @@ void QtWindow::LetGo() {
 
 std::int32_t QtWindow::RunDialog(Dialog& dialog) {
     LetGo();
-    return QtRunDialog(this, dialog);
+    return QtRunDialog(this, dialog, [&](std::int32_t row) { TellChange(dialog, row); });
+}
+
+// What the dialog's handler has drawn is to be seen at once, however fast the next changes come.
+void QtWindow::TellChange(Dialog& dialog, std::int32_t row) {
+    if (telling_++ == 0) {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+    DialogChanged(dialog, row);
+    if (--telling_ == 0) {
+        QCoreApplication::instance()->removeEventFilter(this);
+    }
+    if (!stale_.isEmpty()) {
+        repaint(stale_);
+    }
+}
+
+// The keyboard is the dialog's while its handler runs, but Shift+Ctrl+Delete still stops the handler.
+bool QtWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride) {
+        return QWidget::eventFilter(watched, event);
+    }
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (key->key() != Qt::Key_Delete || key->modifiers() != (Qt::ShiftModifier | Qt::ControlModifier)) {
+        return QWidget::eventFilter(watched, event);
+    }
+    keys_.push_back({KEY_DELETE, SHIFT_KEY | CTRL_KEY});
+    return true;
 }
 
 std::string QtWindow::RunFileDialog(const FileDialog& dialog) {

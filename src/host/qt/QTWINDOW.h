@@ -46,6 +46,7 @@ class QtWindow final : public QWidget, public Window {
 
   protected:
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -86,6 +87,8 @@ class QtWindow final : public QWidget, public Window {
     };
     // A dialog takes the keyboard and the mouse away: what was held is let go.
     void LetGo();
+    void TellChange(Dialog& dialog, std::int32_t row);
+    int telling_ = 0;  // changes that are being told of, one inside the other
 
     QtFrame& frame_;
     InputState state_;

@@ -133,6 +133,79 @@ TEST_F(DialogTest, AnInitialValueIsOneThatTheControlCanShow) {
     });
 }
 
+TEST_F(DialogTest, TheHandlerIsToldOfEachRowThatChanges) {
+    Run([this] {
+        window.answer = [](Dialog& dialog) {
+            dialog.rows[1].value = 5;
+            DialogChanged(dialog, dialog.rows[1].row);
+            EXPECT_EQ(called, (std::vector<std::vector<std::int32_t>>{{29}}));
+            EXPECT_EQ(DialogAnswerOf(29).value, 5);
+            EXPECT_EQ(DialogAnswerOf(0).value, 2);  // not changed, but there
+            dialog.rows[0].value = 3;
+            DialogChanged(dialog, 0);
+            EXPECT_EQ(DialogAnswerOf(0).value, 3);
+            return 1;
+        };
+        Dialog dialog;
+        dialog.handler = NoteHandler();
+        DialogOpen(dialog);
+        DialogAddRow(Row(RowKind::Slider, 0));
+        DialogUnderConstruction()->rows[0].value = 2;
+        DialogAddRow(Row(RowKind::Slider, 29));
+        EXPECT_EQ(DialogRun(), 1);
+        EXPECT_EQ(called, (std::vector<std::vector<std::int32_t>>{{29}, {0}}));
+    });
+}
+
+TEST_F(DialogTest, AnswersFollowTheRowsWithoutAHandlerToo) {
+    Run([this] {
+        window.answer = [](Dialog& dialog) {
+            dialog.rows[0].value = 5;
+            DialogChanged(dialog, 0);
+            EXPECT_EQ(DialogAnswerOf(0).value, 5);
+            return 0;
+        };
+        DialogOpen(Dialog{});
+        DialogAddRow(Row(RowKind::Slider, 0));
+        DialogRun();
+        EXPECT_TRUE(called.empty());
+    });
+}
+
+// The handler is Look here, which changes rows itself as the window does when it delivers messages meanwhile.
+TEST_F(DialogTest, RowsThatChangeWhileTheHandlerRunsAreToldOfOnceAfterIt) {
+    Run([this] {
+        int calls = 0;
+        Dialog* running = nullptr;
+        std::vector<std::int32_t> seen;
+        look = [&] {
+            EXPECT_EQ(++calls - static_cast<int>(seen.size()), 1) << "inside itself";
+            if (calls == 1) {
+                for (std::int32_t value = 1; value <= 3; ++value) {
+                    running->rows[0].value = value;
+                    DialogChanged(*running, 0);
+                    DialogChanged(*running, 7);
+                }
+            }
+            seen.push_back(DialogAnswerOf(0).value);
+        };
+        window.answer = [&](Dialog& dialog) {
+            running = &dialog;
+            DialogChanged(dialog, 0);
+            EXPECT_EQ(calls, 3);
+            EXPECT_FALSE(dialog.telling);
+            return 0;
+        };
+        Dialog dialog;
+        dialog.handler = FunctionFind("Look");
+        DialogOpen(dialog);
+        DialogAddRow(Row(RowKind::Slider, 0));
+        DialogAddRow(Row(RowKind::Toggle, 7));
+        DialogRun();
+        EXPECT_EQ(seen, (std::vector<std::int32_t>{3, 3, 3}));
+    });
+}
+
 TEST_F(DialogTest, ASecondRowReplacesTheFirstOfItsNumber) {
     Run([] {
         DialogOpen(Dialog{});
