@@ -51,8 +51,8 @@ xdotool windowsize "$id" 700 500; settle
 xdotool windowsize "$id" 1 1; settle
 xdotool windowsize "$id" 1300 900; settle
 kill -0 $window 2>/dev/null || fail "resizing has ended the program"
-xdotool key q; settle
-if kill -0 $window 2>/dev/null; then fail "Q has not ended the program"; kill $window; fi
+xdotool key ctrl+q; settle
+if kill -0 $window 2>/dev/null; then fail "Ctrl+Q has not ended the program"; kill $window; fi
 wait $window
 [ $? -eq 0 ] || fail "exit status not 0"
 exit $failures
