@@ -4,6 +4,7 @@
 #include "ML/FUNC.h"
 #include "ML/STRING.h"
 #include "host/INPUT.h"
+#include "host/LOOPEVENT.h"
 #include "text/sjis.h"
 
 namespace quelmark {
@@ -85,6 +86,22 @@ std::int32_t SetHandler(std::int32_t, std::int32_t, DataCell* argv) {
     return NO_RESULT;
 }
 
+// Without a function, or with 0 milliseconds, nothing is called any more.
+std::int32_t TimedEvent(std::int32_t, std::int32_t argc, DataCell* argv) {
+    if (argc == 0) {
+        SetTimedHandler(-1, 0);
+        return NO_RESULT;
+    }
+    ArgCheck("TimedEvent", argc, argv, {TYPE_FUNC, TYPE_INT});
+    SetTimedHandler(argv[1].integer > 0 ? argv[0].integer : -1, argv[1].integer);
+    return NO_RESULT;
+}
+
+std::int32_t DropEvent(std::int32_t, std::int32_t argc, DataCell* argv) {
+    SetDropHandler(argc > 0 ? argv[0].integer : -1);
+    return NO_RESULT;
+}
+
 std::int32_t FirstCharacter(const DataCell& cell) {
     if (!IsString(cell)) {
         RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, 1, "CallKeyEvent");
@@ -115,6 +132,8 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "MouseButton", MouseButton, Takes("MouseButton", {})},
     {"", "PressEvent", SetHandler<&InputHandlers::press>, Takes("PressEvent", {TYPE_FUNC})},
     {"", "WheelEvent", SetHandler<&InputHandlers::wheel>, Takes("WheelEvent", {TYPE_FUNC})},
+    {"", "TimedEvent", TimedEvent},
+    {"", "DropEvent", DropEvent, Takes("DropEvent", {TYPE_FUNC}, 0)},
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstdio>
 #include <optional>
 
 #include "ML/ERROR.h"
@@ -123,6 +124,7 @@ std::int32_t DialogRun() {
     }
     Dialog dialog = std::move(*underConstruction);
     underConstruction.reset();
+    std::fflush(stdout);
     const std::int32_t result = HostWindow().RunDialog(dialog);
     KeepAnswers(dialog);
     HostWindow().Deliver(0);
@@ -144,6 +146,7 @@ void DialogChanged(Dialog& dialog, std::int32_t row) {
         dialog.untold &= dialog.untold - 1;
         KeepAnswers(dialog);
         HostGuarded([&] { CallHandler(dialog.handler, {next}); });
+        std::fflush(stdout);  // what it has printed is to be seen while the dialog waits
     }
     dialog.telling = false;
 }

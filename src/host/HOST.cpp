@@ -17,6 +17,7 @@
 #include "host/BUTTONS.h"
 #include "host/CONFIG.h"
 #include "host/INPUT.h"
+#include "host/LOOPEVENT.h"
 #include "host/PALETTE.h"
 #include "host/PANES.h"
 #include "reader/objread.h"
@@ -287,6 +288,7 @@ void StartUp(const CommandLine& commandLine, void (*registerLibraries)()) {
     PanesReset();
     PaletteInit();
     HandlersReset();
+    LoopEventsReset();
     MenuBarReset();
     DialogReset();
     ButtonsReset();
@@ -332,7 +334,7 @@ bool Guarded(const ExecMark& base, Pass pass) {
 void EventLoop(const ExecMark& base) {
     while (!QuitFlag) {
         Guarded(base, [] {
-            const bool come = InputStep();
+            const bool come = InputStep(Waiting::EventLoop);
             if (Input.keyCode != 0) {
                 DispatchKey();
             }
@@ -342,6 +344,7 @@ void EventLoop(const ExecMark& base) {
             if (come) {
                 CallHandler(Handlers.input, {Input.shift});
             }
+            LoopEventCall();
         });
     }
 }
@@ -482,7 +485,7 @@ void HostUnwind() {
 
 void HostDeliverHeld() {
     window->Deliver(HELD_INTERVAL);
-    const InputState now = window->TakeInput();
+    const InputState now = TakeInput();
     QuitFlag = QuitFlag || now.finished;
     if (now.closeRequested && !QuitFlag) {
         QuitFlag = HostMayClose() || QuitFlag;

@@ -8,6 +8,7 @@
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "host/HOST.h"
+#include "host/LOOPEVENT.h"
 #include "host/PALETTE.h"
 #include "host/PANES.h"
 #include "view/OVERLAY.h"
@@ -150,13 +151,23 @@ void BindSpecialKey(std::int32_t number, std::int32_t handler) {
     }
 }
 
-void WaitStep() {
+InputState TakeInput() {
+    InputState taken = HostWindow().TakeInput();
+    for (std::string& path : taken.dropped) {
+        DropPut(std::move(path));
+    }
+    taken.dropped.clear();
+    return taken;
+}
+
+void WaitStep(Waiting who) {
     std::fflush(stdout);  // what scripts have printed is to be seen while they wait
+    const bool inLoop = who == Waiting::EventLoop;
     InputState now;
     for (bool pending = true; pending;) {
-        HostWindow().Deliver(PULSE_INTERVAL);
+        HostWindow().Deliver(inLoop ? LoopEventWait(PULSE_INTERVAL) : PULSE_INTERVAL);
         HostRaiseKept();
-        now = HostWindow().TakeInput();
+        now = TakeInput();
         QuitFlag = QuitFlag || now.finished;
         if (now.closeRequested && !QuitFlag) {
             QuitFlag = HostMayClose() || QuitFlag;  // the handler itself may have called Quit
@@ -173,7 +184,8 @@ void WaitStep() {
             MessageHide();
         }
         pending = now.left == Input.left && now.right == Input.right && now.keyCode == 0 && now.wheel == 0 &&
-                  !((now.left || now.right || (Mode.tracking & MOVES) != 0) && Input.moved);
+                  !((now.left || now.right || (Mode.tracking & MOVES) != 0) && Input.moved) &&
+                  !(inLoop && LoopEventWait(1) == 0);
     }
     Input.x = now.x;
     Input.y = now.y;
@@ -190,11 +202,11 @@ void WaitRelease() {
     }
 }
 
-bool InputStep() {
+bool InputStep(Waiting who) {
     const bool leftBefore = Input.left;
     const bool rightBefore = Input.right;
     if (!QuitFlag) {
-        WaitStep();
+        WaitStep(who);
     }
     if (QuitFlag) {
         HostUnwind();

@@ -59,13 +59,17 @@ extern WaitMode Mode;
 // Set by Quit, by the window's close and when input ends; the event loop and every wait leave.
 extern bool QuitFlag;
 
+// Who waits. The event loop's steps end also when it has something to call beside input (LOOPEVENT.h).
+enum class Waiting : std::uint8_t { Script, EventLoop };
 // Lets the window deliver messages until a key, a button change, a drag or a wheel turn comes; takes it as
 // the current state.
-void WaitStep();
+void WaitStep(Waiting who = Waiting::Script);
+// Takes the window's input state; dropped files are put aside for the event loop.
+InputState TakeInput();
 // Waits until both buttons are up.
 void WaitRelease();
 // One input step: panes first, then the state for the script. True when what `Mode` waits for has come.
-bool InputStep();
+bool InputStep(Waiting who = Waiting::Script);
 // Calls the handler of the current key; false when it has none.
 bool DispatchKey();
 // Calls a handler with Int arguments and drops its result; what it returned as a truth, false for none.

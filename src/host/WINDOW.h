@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/DIALOG.h"
 #include "host/MENUBAR.h"
@@ -22,6 +23,7 @@ struct InputState {
     std::int32_t wheel = 0;            // turns not yet taken, away from the user positive
     bool closeRequested = false;       // the window system asks to close
     bool finished = false;             // there will be no more input
+    std::vector<std::string> dropped;  // files dropped on the window, not yet taken; host paths
 };
 
 enum class Pane { List, Buttons, Status, Message };
@@ -33,7 +35,8 @@ class Window {
     // Lets the window system deliver waiting messages; waits up to `milliseconds` for the first. The window
     // is repainted and resized inside; a new size is told by HostResized.
     virtual void Deliver(std::int32_t milliseconds) = 0;
-    // Takes the input state; the key code, the wheel turns and the request to close are cleared.
+    // Takes the input state; the key code, the wheel turns, the request to close and the dropped files are
+    // cleared.
     virtual InputState TakeInput() = 0;
     // Delivers messages without waiting; true when Shift+Ctrl+Delete is waiting, which is taken.
     virtual bool TakeBreakKey() = 0;

@@ -58,6 +58,7 @@ bad "wait -5" "wait takes"
 bad "wait 5s" "wait takes"
 bad "shot" "shot takes"
 bad "wheel 1 2" "wheel takes"
+bad "drop" "drop takes"
 session "shot nowhere/x.ppm"
 [ "$status" = 2 ] || { echo "a picture that cannot be written: $status"; failures=1; }
 run QUELMARKINPUT=gone.txt --

@@ -27,6 +27,14 @@ std::string_view Trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(BLANKS) + 1);
 }
 
+// A chosen file is always told by its whole path; a name that scripts cannot have is left to the host to
+// refuse.
+std::string WholePath(const std::string& path) {
+    const auto name = Utf8ToCp932(path);
+    const auto chosen = name ? HostPath(*name) : std::nullopt;
+    return std::filesystem::absolute(chosen.value_or(path)).lexically_normal().string();
+}
+
 // The answer as the control of that row would give it.
 void GiveAnswer(DialogRow& row, const SessionEvent& answer) {
     std::int32_t number = 0;
@@ -115,6 +123,9 @@ void ConsoleWindow::Perform(const SessionEvent& event) {
         case EventKind::Shot:
             Shot(event);
             break;
+        case EventKind::Drop:
+            state_.dropped.push_back(WholePath(event.text));
+            break;
         case EventKind::Answer:
         case EventKind::Button:
         case EventKind::File:
@@ -169,14 +180,7 @@ std::string ConsoleWindow::RunFileDialog(const FileDialog&) {
     }
     const std::string path = answers_.front().text;
     answers_.pop_front();
-    if (path.empty()) {
-        return "";
-    }
-    // A chosen file is always told by its whole path; a name that scripts cannot have is left to the host to
-    // refuse.
-    const auto name = Utf8ToCp932(path);
-    const auto chosen = name ? HostPath(*name) : std::nullopt;
-    return std::filesystem::absolute(chosen.value_or(path)).lexically_normal().string();
+    return path.empty() ? "" : WholePath(path);
 }
 
 InputState ConsoleWindow::TakeInput() {
@@ -184,6 +188,7 @@ InputState ConsoleWindow::TakeInput() {
     state_.keyCode = 0;
     state_.wheel = 0;
     state_.closeRequested = false;
+    state_.dropped.clear();
     return taken;
 }
 

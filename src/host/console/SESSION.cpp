@@ -50,6 +50,7 @@ const std::vector<EventForm>& Forms() {
         {"answer", EventKind::Answer, {{0, DIALOG_ROWS - 1}}, true, "answer takes a row and its value"},
         {"button", EventKind::Button, {{}}, false, "button takes a result"},
         {"file", EventKind::File, {}, true, "file takes a path"},
+        {"drop", EventKind::Drop, {}, true, "drop takes a path"},
     };
     return forms;
 }
@@ -85,7 +86,8 @@ bool ReadForm(const EventForm& form, std::string_view rest, SessionEvent& event)
     }
     if (form.takesText) {
         event.text = RestText(rest);
-        return form.kind != EventKind::Shot || event.text.find_first_not_of(BLANKS) != std::string::npos;
+        const bool mayBeEmpty = form.kind == EventKind::Answer || form.kind == EventKind::File;
+        return mayBeEmpty || event.text.find_first_not_of(BLANKS) != std::string::npos;
     }
     return IsAtEnd(rest);
 }

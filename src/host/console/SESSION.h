@@ -22,6 +22,7 @@ enum class EventKind : std::uint8_t {
     Answer,
     Button,
     File,
+    Drop,
 };
 
 // The numbers of a line stand in its order: the key code and shift state, the pointer and buttons (or wheel

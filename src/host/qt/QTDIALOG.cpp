@@ -82,8 +82,13 @@ TakeAnswer AddField(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
     if (!row.filters.empty()) {
         AddBrowseButton(line, field, row);
     }
-    QObject::connect(field, &QLineEdit::textChanged, field, changed);
-    return [field, &row] { row.text = Utf8ToCp932(field->text().toStdString()).value_or(""); };
+    const auto text = [field] { return Utf8ToCp932(field->text().toStdString()).value_or(""); };
+    QObject::connect(field, &QLineEdit::textChanged, field, [text, &row, changed] {
+        if (text() != row.text) {  // not for a character that has been refused
+            changed();
+        }
+    });
+    return [text, &row] { row.text = text(); };
 }
 
 TakeAnswer AddToggle(QHBoxLayout& line, DialogRow& row, const Changed& changed) {

@@ -6,6 +6,7 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QInputMethodEvent>
+#include <QMimeData>
 #include <QPainter>
 #include <QTimer>
 #include <QToolTip>
@@ -17,6 +18,7 @@
 #include "host/BUTTONS.h"
 #include "host/HOST.h"
 #include "host/INPUT.h"
+#include "host/LOOPEVENT.h"
 #include "host/PANES.h"
 #include "host/qt/KEYTABLE.h"
 #include "host/qt/QTDIALOG.h"
@@ -69,6 +71,7 @@ QtWindow::QtWindow(QtFrame& frame) : QWidget(&frame), frame_(frame) {
     characterWidth_ = metrics.horizontalAdvance(QLatin1Char('0'));
     lineHeight_ = std::max(metrics.height(), 1);
     setMouseTracking(true);
+    setAcceptDrops(true);
     setFocusPolicy(Qt::StrongFocus);
     setFocus();
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -111,6 +114,7 @@ InputState QtWindow::TakeInput() {
     }
     state_.wheel = 0;
     state_.closeRequested = false;
+    state_.dropped.clear();
     return taken;
 }
 
@@ -233,6 +237,24 @@ void QtWindow::wheelEvent(QWheelEvent* event) {
     wheelRest_ += event->angleDelta().y();
     state_.wheel += wheelRest_ / WHEEL_TURN;
     wheelRest_ %= WHEEL_TURN;
+}
+
+// Files alone, and only when a script wants them. They are never taken away from where they come from.
+void QtWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (hosted_ && DropWanted() && std::ranges::any_of(event->mimeData()->urls(), &QUrl::isLocalFile)) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+    }
+}
+
+void QtWindow::dropEvent(QDropEvent* event) {
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile()) {
+            state_.dropped.push_back(url.toLocalFile().toStdString());
+        }
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
 }
 
 void QtWindow::focusOutEvent(QFocusEvent*) {

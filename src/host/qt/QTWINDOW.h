@@ -2,6 +2,7 @@
 // recorded here; what it means is decided when the wait step asks for it, so no script runs inside an event.
 #pragma once
 
+#include <QDropEvent>
 #include <QFont>
 #include <QHelpEvent>
 #include <QImage>
@@ -56,6 +57,8 @@ class QtWindow final : public QWidget, public Window {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
   private:

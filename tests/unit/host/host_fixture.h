@@ -51,6 +51,7 @@ class HandWindow final : public Window {
         state_.keyCode = 0;
         state_.wheel = 0;
         state_.closeRequested = false;
+        state_.dropped.clear();
         return taken;
     }
     bool TakeBreakKey() override { return false; }

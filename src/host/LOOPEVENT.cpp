@@ -1,0 +1,106 @@
+#include "host/LOOPEVENT.h"
+
+#include <algorithm>
+#include <deque>
+
+#include "ML/ERROR.h"
+#include "ML/FUNC.h"
+#include "ML/STRING.h"
+#include "host/HOST.h"
+#include "host/INPUT.h"
+#include "text/path.h"
+#include "text/sjis.h"
+
+namespace quelmark {
+namespace {
+
+std::int32_t timedHandler = -1;
+std::uint32_t interval = 0;
+std::uint32_t lastCall = 0;
+std::int32_t dropHandler = -1;
+std::deque<std::string> dropped;
+
+void CallDropHandler(const std::string& hostPath) {
+    if (dropHandler < 0) {
+        return;
+    }
+    const auto path = ScriptPath(hostPath);
+    if (!path) {
+        Warning("このファイル名はシフトJISで表せないので使えません。"_sjis);
+        return;
+    }
+    DataCell* mark = StackTop();
+    StackPushString(*path);
+    CallFunction(dropHandler, 1, mark + 1);
+    StackRelease(mark);
+}
+
+std::uint32_t TimeLeft() {
+    return interval - std::min(HostWindow().Milliseconds() - lastCall, interval);
+}
+
+// The interval begins anew when the handler has come back, so that one that takes long leaves time for input;
+// also when it has failed.
+void CallTimedHandler() {
+    struct Restart {
+        ~Restart() { lastCall = HostWindow().Milliseconds(); }
+    };
+    const Restart restart;
+    CallHandler(timedHandler, {});
+}
+
+bool Held() {
+    return Input.left || Input.right;
+}
+
+}  // namespace
+
+void LoopEventsReset() {
+    timedHandler = dropHandler = -1;
+    dropped.clear();
+}
+
+void SetTimedHandler(std::int32_t handler, std::int32_t milliseconds) {
+    timedHandler = handler;
+    interval = static_cast<std::uint32_t>(std::max(milliseconds, 1));
+    lastCall = HostWindow().Milliseconds();
+}
+
+void SetDropHandler(std::int32_t handler) {
+    dropHandler = handler;
+}
+
+bool DropWanted() {
+    return dropHandler >= 0;
+}
+
+void DropPut(std::string path) {
+    if (DropWanted()) {
+        dropped.push_back(std::move(path));
+    }
+}
+
+std::int32_t LoopEventWait(std::int32_t most) {
+    if (Held()) {
+        return most;
+    }
+    if (!dropped.empty()) {
+        return 0;
+    }
+    return timedHandler < 0
+               ? most
+               : static_cast<std::int32_t>(std::min(TimeLeft(), static_cast<std::uint32_t>(most)));
+}
+
+void LoopEventCall() {
+    if (!dropped.empty() && !Held() && !QuitFlag) {
+        const std::string path = std::move(dropped.front());
+        dropped.pop_front();
+        CallDropHandler(path);
+    }
+    if (timedHandler >= 0 && TimeLeft() == 0 && !Held() && !QuitFlag) {
+        CallTimedHandler();
+    }
+}
+
+}  // namespace quelmark
