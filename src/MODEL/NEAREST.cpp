@@ -158,6 +158,11 @@ void ReadPlane(std::int32_t argc, const DataCell* argv, VertexRecord (&points)[3
     }
 }
 
+// A number that is no window has no depth to move along.
+bool IsOneWindow(std::int32_t window) {
+    return window == WINDOW_XY || window == WINDOW_YZ || window == WINDOW_ZX || window == WINDOW_PERSPECTIVE;
+}
+
 SightLine DepthLine(const VertexRecord& v, std::int32_t window, const PerspectiveSight& sight) {
     SightLine line{{static_cast<double>(v.x), static_cast<double>(v.y), static_cast<double>(v.z)}, {0, 0, 0}};
     switch (window) {
@@ -197,7 +202,8 @@ std::int32_t CallPolyPlane(std::int32_t argc, DataCell* argv, const PerspectiveS
     VertexRecord points[3];
     ReadPlane(argc, argv, points);
     VertexRecord vertex = VertexOf(argv[0]).vertex;
-    if (!Meet(PlaneOf(points), DepthLine(vertex, argv[1].integer, sight), vertex)) {
+    const std::int32_t window = argv[1].integer;
+    if (IsOneWindow(window) && !Meet(PlaneOf(points), DepthLine(vertex, window, sight), vertex)) {
         Warning("平面投射できません"_sjis);
     }
     StackPushVertex(vertex, 0);

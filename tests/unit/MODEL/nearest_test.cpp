@@ -131,6 +131,12 @@ TEST_F(Nearest, PlaneSeenEdgeOnWarnsAndLeavesTheVertex) {
               "( 1   , 2   , 3    ) ( 1   , 2   , 3    )");
     EXPECT_EQ(warnings, "平面投射できません\n平面投射できません\n");
 }
+TEST_F(Nearest, PlaneWithoutAWindowIsACopy) {
+    EXPECT_EQ(Script(std::string(SLOPE) + "print(PolyPlane(Vertex(1, 2, 3, 4, 5, 6), 0, p), "
+                                          "PolyPlane(Vertex(1, 2, 3), 3, a, b, c));"),
+              "( 1   , 2   , 3    ) ( 1   , 2   , 3    )");
+    EXPECT_EQ(warnings, "");
+}
 TEST_F(Nearest, PlaneDoesNotChangeItsArgument) {
     EXPECT_EQ(Script(std::string(SLOPE) + "var v = Vertex(7, 9, 0); PolyPlane(v, 1, p); print(v);"),
               "( 7   , 9   , 0    )");
