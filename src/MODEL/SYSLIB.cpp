@@ -11,6 +11,7 @@
 #include "host/HOST.h"
 #include "host/INPUT.h"
 #include "host/PANES.h"
+#include "text/holdfile.h"
 #include "text/sjis.h"
 #include "view/VIEW.h"
 
@@ -91,6 +92,11 @@ std::int32_t Modelrc(std::int32_t, std::int32_t argc, DataCell* argv) {
     return NO_RESULT;
 }
 
+std::int32_t Hold(std::int32_t, std::int32_t, DataCell* argv) {
+    StackPushBool(HoldFile(TextOf(argv[0])));
+    return RESULT;
+}
+
 template <std::int32_t PaneHandlers::*slot>
 std::int32_t SetHandler(std::int32_t, std::int32_t, DataCell* argv) {
     PaneEvents.*slot = argv[0].integer;
@@ -130,6 +136,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "GetArg", GetArg, Takes("GetArg", {TYPE_INT})},
     {"", "UpdateAll", UpdateAll, Takes("UpdateAll", {})},
     {"String", "Modelrc", Modelrc, Takes("Modelrc", {TYPE_OBJECT, TYPE_OBJECT}, 1)},
+    {"String", "HoldFile", Hold, Takes("HoldFile", {TYPE_OBJECT})},
     {"", "ControlEvent", SetHandler<&PaneHandlers::control>, Takes("ControlEvent", {TYPE_FUNC})},
     {"", "AttrEvent", SetHandler<&PaneHandlers::attribute>, Takes("AttrEvent", {TYPE_FUNC})},
     {"", "ObjEvent", SetHandler<&PaneHandlers::object>, Takes("ObjEvent", {TYPE_FUNC})},
