@@ -1,0 +1,115 @@
+#!/usr/bin/env bash
+# recovery.sh QUELMARKC STOCK: a changed model that was never saved is kept each minute; after a sudden end it is offered, and may be taken back,
+# left for later or discarded. A running editor's own copy is never offered to another, and a clean end leaves none.
+set -u
+program=$(realpath "$1")
+stock=$(realpath "$2")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+unset MODELPATH
+cp "$stock/Quelmark.ini" .
+echo "SourceFile = probe.qms" >> Quelmark.ini
+cat > probe.qms <<'S'
+function probe() { print("polygons", ObjPolygons(), ModelEdited(), "[" + ModelFile() + "]\n"); }
+function crash() { "crash.sh".fprint("kill -9 $PPID"); "sh crash.sh".Child(ON); }
+KeyEvent(probe, KEY_F14);
+KeyEvent(crash, KEY_F15);
+S
+failures=0
+
+# session EXPECTED < events: one run of the editor.
+session() {
+    cat > events
+    HOME="$folder" QUELMARKINPUT=events "$program" > printed.txt 2> errors.txt
+    printed=$(iconv -f CP932 -t UTF-8 printed.txt | sed 's/ *$//')
+    if [ "$printed" != "$1" ]; then
+        echo "wanted: $1"
+        echo "got: $printed"
+        cat errors.txt
+        failures=1
+    fi
+}
+box='answer 0 100
+button 1
+menu 3 2
+wait 1'
+
+# A box is made; the sudden end comes after a minute, and a later change is lost, no more.
+session '' <<EOF
+$box
+wait 60001
+key n
+$box
+key KEY_F15
+EOF
+[ -s .quelmark-1.suf ] || { echo "nothing was kept"; failures=1; }
+
+# Left for later: it stays, and this run keeps its own elsewhere.
+session 'polygons 0 FALSE []' <<EOF
+button 0
+key KEY_F14
+$box
+wait 60001
+button 1
+close
+EOF
+[ -s .quelmark-1.suf ] && [ ! -e .quelmark-2.suf ] || { echo "wrong copies after later"; ls -A; failures=1; }
+
+# Taken back: the model, not saved. The end of the run, with the changes thrown away, forgets the copy.
+session 'polygons 6 TRUE []' <<EOF
+button 2
+key KEY_F14
+button 1
+close
+EOF
+[ -e .quelmark-1.suf ] && { echo "a clean end leaves a copy"; failures=1; }
+
+# A saved model's name comes back with it, and the file is as it was.
+session '' <<EOF
+$box
+file box.suf
+key 19
+key n
+$box
+wait 60001
+key KEY_F15
+EOF
+cp box.suf before.suf
+session "polygons 12 TRUE [$(realpath box.suf | sed 's|^|C:|; s|/|\\|g')]" <<EOF
+button 2
+key KEY_F14
+button 1
+close
+EOF
+cmp before.suf box.suf || failures=1
+
+# Discarded.
+session '' <<EOF
+$box
+wait 60001
+key KEY_F15
+EOF
+session 'polygons 0 FALSE []' <<EOF
+button 1
+key KEY_F14
+close
+EOF
+session 'polygons 0 FALSE []' <<EOF
+key KEY_F14
+close
+EOF
+
+# While another program holds the copy it is not offered.
+session '' <<EOF
+$box
+wait 60001
+key KEY_F15
+EOF
+exec 9> .quelmark-1.lock
+flock 9
+session 'polygons 0 FALSE []' <<EOF
+key KEY_F14
+close
+EOF
+exit $failures
