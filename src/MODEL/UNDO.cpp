@@ -75,7 +75,9 @@ struct Step {
 
 std::deque<Step> undoSteps;   // oldest first
 std::vector<Step> redoSteps;  // the next to redo last
-ModelState nearestState{};    // the state kept or put back last: what a new one probably resembles
+// What could be redone before the newest mark: comes back when that mark is cancelled.
+std::vector<Step> redoBeforeMark;
+ModelState nearestState{};  // the state kept or put back last: what a new one probably resembles
 std::size_t limitBytes = UNDO_MEMORY;
 
 // Free entries too: a polygon may name one, and then its edit mark counts.
@@ -117,6 +119,9 @@ void PutStepBack(const Step& step) {
 }
 
 void KeepWithinLimit() {
+    if (heldBytes > limitBytes) {
+        redoBeforeMark.clear();
+    }
     while (heldBytes > limitBytes && undoSteps.size() > 1) {
         undoSteps.pop_front();
     }
@@ -132,6 +137,7 @@ bool Exchange(From& from, To& to) {
     if (from.empty()) {
         return false;
     }
+    redoBeforeMark.clear();
     try {
         to.push_back({from.back().name, PresentState()});
     } catch (const std::bad_alloc&) {
@@ -148,11 +154,13 @@ bool Exchange(From& from, To& to) {
 void UndoClear() {
     undoSteps.clear();
     redoSteps.clear();
+    redoBeforeMark.clear();
     nearestState = {};
 }
 
 bool UndoMark(std::string_view name) {
     try {
+        redoBeforeMark = std::move(redoSteps);
         redoSteps.clear();
         ModelState state = PresentState();
         nearestState = state;
@@ -190,6 +198,8 @@ bool UndoCancel() {
     const bool restored = UndoRestore();
     if (restored) {
         undoSteps.pop_back();
+        redoSteps = std::move(redoBeforeMark);
+        redoBeforeMark.clear();
     }
     return restored;
 }

@@ -22,7 +22,8 @@ bool Undo();
 bool Redo();
 // Puts the newest marked state back and leaves the mark: for showing one change after another.
 bool UndoRestore();
-// As Undo, but what is put away can not be redone.
+// Puts the newest marked state back and takes the mark away, as if it had never been taken: what could be
+// redone before it can be redone again, unless something was undone or redone since.
 bool UndoCancel();
 // The name of the step that Undo, or Redo, would take; "" when there is none.
 std::string_view UndoText();

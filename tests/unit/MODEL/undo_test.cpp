@@ -86,6 +86,24 @@ TEST_F(UndoSteps, RestoreLeavesTheMarkAndCancelTakesIt) {
     EXPECT_FALSE(UndoCancel());
     EXPECT_FALSE(Redo());
 }
+TEST_F(UndoSteps, ACancelledMarkLeavesWhatCouldBeRedone) {
+    UndoMark("one");
+    AddTriangle(0);
+    Undo();
+    UndoMark("given up");
+    AddTriangle(1);
+    EXPECT_EQ(RedoText(), "");
+    UndoCancel();
+    EXPECT_EQ(RedoText(), "one");
+    EXPECT_TRUE(Redo());
+    EXPECT_EQ(PolygonCount(), 1);
+    UndoMark("two");
+    AddTriangle(2);
+    Undo();
+    Redo();
+    UndoCancel();
+    EXPECT_EQ(RedoText(), "");
+}
 TEST_F(UndoSteps, ARestoredModelHasNoLoadedPolygon) {
     AddTriangle(0);
     UndoMark("load");
