@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# startup.sh QUELMARKC: what the program does with its configuration, its search path and bad files at start-up.
+# startup.sh QUELMARKC LOCALES: what the program does with its configuration, its search path and bad files at start-up.
 set -u
 program=$1
+locales=$2
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
@@ -87,10 +88,9 @@ expect "a bad input line ends with status 2" 2 "" env MODELPATH=home QUELMARKINP
 printf 'print("log");' > home/e.qms
 expect "the log holds output and the report" 0 "log" env MODELPATH=home QUELMARKLOG=q.log "$program"
 grep -q 'Code Used  : 1 Kbytes' q.log && grep -q '^Stack Used : ' q.log && grep -q '^e.qms ' q.log || { echo "log: $(cat q.log)"; failures=1; }
-if locale -a 2>/dev/null | grep -qi '^de_DE.utf8$'; then
-    printf 'print(2.5, atof("1.5"), sprintf("%%4.1f", 3.25));' > home/e.qms
-    expect "a locale with a decimal comma changes no number" 0 "2.500000 1.500000  3.2" env MODELPATH=home LC_ALL=de_DE.UTF-8 "$program"
-fi
+printf 'print(2.5, atof("1.5"), sprintf("%%4.1f", 3.25));' > home/e.qms
+expect "a locale with a decimal comma changes no number" 0 "2.500000 1.500000  3.2" env MODELPATH=home LOCPATH="$locales" LC_ALL=de_DE.UTF-8 "$program"
+[ "$(LOCPATH="$locales" LC_ALL=de_DE.UTF-8 locale decimal_point)" = , ] || { echo "no locale with a comma"; failures=1; }
 mkdir 表
 printf 'obj suf a { atr x prim poly ( 0 0 0 1 0 0 0 1 0 ) }' > 表/能.suf
 printf 'print(ReadFile(GetArg(1)), ObjFile(0) == GetArg(1));' > home/e.qms

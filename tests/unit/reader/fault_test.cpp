@@ -265,12 +265,12 @@ TEST_F(Faults, ExhaustedMemoryHasItsMessage) {
     EXPECT_EQ(messages, Lines{"  1 : メモリが足りません。   next token="});
 }
 
-TEST_F(Faults, NumbersKeepTheirDecimalPointInEveryLocale) {
+TEST_F(Faults, NumbersKeepTheirDecimalPointWhereACommaIsUsual) {
     const std::string old = std::setlocale(LC_ALL, nullptr);
-    for (const char* locale : {"de_DE.UTF-8", "fr_FR.UTF-8"}) {
-        std::setlocale(LC_ALL, locale);
-        EXPECT_TRUE(Read("atr a { col ( 0.5 ) }" + Block("atr a prim poly ( 1.9 0 0 0 2.5 0 0 0 3.5 )")));
-    }
+    ::setenv("LOCPATH", QUELMARK_LOCALES, 1);
+    ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr) << "no locale in " << QUELMARK_LOCALES;
+    EXPECT_STREQ(std::localeconv()->decimal_point, ",");
+    EXPECT_TRUE(Read("atr a { col ( 0.5 ) }" + Block("atr a prim poly ( 1.9 0 0 0 2.5 0 0 0 3.5 )")));
     std::setlocale(LC_ALL, old.c_str());
     EXPECT_EQ(AttrTable[0].col.red, 2048);
     EXPECT_EQ(Polygons()[0]->vertex[2].z, 3);
