@@ -72,6 +72,7 @@ void ConsoleWindow::Deliver(std::int32_t milliseconds) {
     if (milliseconds <= 0) {
         return;  // only a wait step takes an event
     }
+    running_ = false;
     if (waiting_ > 0) {
         constexpr std::uint32_t STEPS_MOST = 10000;
         const std::uint32_t step = std::max(static_cast<std::uint32_t>(milliseconds), waiting_ / STEPS_MOST);
@@ -192,8 +193,22 @@ InputState ConsoleWindow::TakeInput() {
     return taken;
 }
 
+// Nobody stops a script within its first moment: the keys are for one that goes on, else they wait for the
+// wait step.
+bool ConsoleWindow::RunsOn() {
+    constexpr std::clock_t MOMENT = CLOCKS_PER_SEC / 100;
+    constexpr auto LONG_MOMENT = std::chrono::milliseconds(500);  // of a script that mostly sleeps
+    if (!running_) {
+        running_ = true;
+        processorBefore_ = std::clock();
+        timeBefore_ = std::chrono::steady_clock::now();
+    }
+    return std::clock() - processorBefore_ >= MOMENT ||
+           std::chrono::steady_clock::now() - timeBefore_ >= LONG_MOMENT;
+}
+
 bool ConsoleWindow::TakeBreakKey() {
-    const bool wanted = !events_.empty() && events_.front().kind == EventKind::Key &&
+    const bool wanted = RunsOn() && !events_.empty() && events_.front().kind == EventKind::Key &&
                         events_.front().first == KEY_DELETE &&
                         events_.front().second == (SHIFT_KEY | CTRL_KEY);
     if (wanted) {

@@ -1,6 +1,8 @@
 // A window that exists only in memory, fed from an input file: one event a line.
 #pragma once
 
+#include <chrono>
+#include <ctime>
 #include <string>
 
 #include "host/WINDOW.h"
@@ -39,6 +41,8 @@ class ConsoleWindow final : public Window {
     void Menu(const SessionEvent& event);
     // Moves the answers that follow now to those already read.
     void CollectAnswers();
+    // A script has been running for more than a moment since the last event.
+    bool RunsOn();
     void Shot(const SessionEvent& event) const;
 
     Session events_;
@@ -48,6 +52,9 @@ class ConsoleWindow final : public Window {
     std::uint32_t waiting_ = 0;  // milliseconds of a wait line that have not passed yet
     std::int32_t width_ = 1024, height_ = 768;
     std::uint8_t palette_[16][3] = {};
+    bool running_ = false;  // a script has asked for the break key since the last event
+    std::clock_t processorBefore_ = 0;
+    std::chrono::steady_clock::time_point timeBefore_;
 };
 
 }  // namespace quelmark
