@@ -117,8 +117,14 @@ void SetUpLog(const std::string& programPath) {
     } else {
         logPath.clear();
     }
-    if (!logPath.empty()) {
-        ::unlink(logPath.c_str());
+    if (logPath.empty()) {
+        return;
+    }
+    ::unlink(logPath.c_str());
+    if (!FilePtr(std::fopen(logPath.c_str(), "ab"))) {
+        const std::string message = Cp932ToUtf8("ログファイルに書けません: "_sjis) + logPath + "\n";
+        std::fwrite(message.data(), 1, message.size(), stderr);
+        logPath.clear();
     }
 }
 

@@ -95,11 +95,11 @@ std::int32_t pulseIndex = 0;
 // A magenta that swells and fades, from 212 up to 254 and back.
 void Pulse() {
     const std::uint32_t now = HostWindow().Milliseconds();
-    const std::uint32_t steps = (now - pulseTime) / PULSE_STEP;
-    if (steps == 0) {
+    if (now - pulseTime <= PULSE_STEP) {
         return;
     }
-    pulseTime += steps * PULSE_STEP;
+    const std::uint32_t steps = (now - pulseTime) / PULSE_STEP;
+    pulseTime = now;
     pulseIndex = static_cast<std::int32_t>((static_cast<std::uint32_t>(pulseIndex) + steps) % PULSE_COLOURS);
     constexpr double TURN = 6.283185307179586;
     const auto p =

@@ -203,6 +203,10 @@ holds "a move step is told" q.log '^move : 7$'
 [ "$(grep -c '^move' q.log)" = 1 ] || { echo "a move step that is not given is told"; failures=1; }
 is "a move step is told in the log alone" 0 "a"
 
+run QUELMARKLOG=nowhere/q.log --
+is "a log that cannot be written does not stop a run" 0 "a"
+[ "$errors" = "ログファイルに書けません: nowhere/q.log" ] || { echo "said of the log: $errors"; failures=1; }
+
 # ---- how a run ends ----
 script 'Quit(); print(1 + "a");'
 run --

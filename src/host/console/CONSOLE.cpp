@@ -74,10 +74,12 @@ void ConsoleWindow::Deliver(std::int32_t milliseconds) {
     }
     running_ = false;
     if (waiting_ > 0) {
+        // Time passes as it does while a hand rests, only faster when it is long.
         constexpr std::uint32_t STEPS_MOST = 10000;
-        const std::uint32_t step = std::max(static_cast<std::uint32_t>(milliseconds), waiting_ / STEPS_MOST);
-        clock_ += std::min(step, waiting_);
-        waiting_ -= std::min(step, waiting_);
+        const auto once = static_cast<std::uint32_t>(milliseconds);
+        const std::uint32_t step = std::min(once * (1 + waiting_ / once / STEPS_MOST), waiting_);
+        clock_ += step;
+        waiting_ -= step;
         return;
     }
     if (events_.empty()) {

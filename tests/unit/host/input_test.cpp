@@ -103,14 +103,17 @@ TEST_F(InputTest, ThePulseSwellsAndFades) {
     });
 }
 
-TEST_F(InputTest, ThePulseRestsWhenNoTimePasses) {
+TEST_F(InputTest, ThePulseRestsForFiveMilliseconds) {
     Run([this] {
         HandlersReset();
         window.palette.clear();
-        window.clock += 4;
-        Hand({Key('a')});
+        window.clock += 5;
+        Hand({Key('a'), Key('a')});
         WaitStep();
         EXPECT_TRUE(window.palette.empty());
+        window.clock += 1;
+        WaitStep();
+        EXPECT_EQ(window.palette.size(), 1U);
     });
 }
 
