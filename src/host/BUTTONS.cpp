@@ -7,6 +7,7 @@
 #include "host/INPUT.h"
 #include "host/PANES.h"
 #include "host/TEXTCUT.h"
+#include "view/VIEW.h"
 
 namespace quelmark {
 namespace {
@@ -129,6 +130,7 @@ void ButtonAreaSet(std::int32_t width) {
     if (width >= 0 && width <= BUTTON_AREA_MOST) {
         areaWidth = width;
     }
+    ViewClear(true);
     HostResized();
 }
 

@@ -168,4 +168,21 @@ key 97
 1 TRUE
 key 97
 key 98"
+
+# ---- what redraws the views ----
+script 'function Line() { DrawLine(Vertex(0, 0, 0), Vertex(300, 200, 100)); } KeyEvent(Line, "l");
+function Area() { ButtonArea(81); } KeyEvent(Area, "a"); function All() { UpdateAll(); } KeyEvent(All, "u");'
+session "shot empty.ppm
+key l
+shot line.ppm
+key a
+shot area.ppm
+key l
+shot again.ppm
+key u
+shot all.ppm"
+cmp -s empty.ppm line.ppm && { echo "no line is drawn"; failures=1; }
+cmp -s empty.ppm area.ppm || { echo "a button area of no use leaves the line"; failures=1; }
+cmp -s line.ppm again.ppm || { echo "the line is not drawn again"; failures=1; }
+cmp -s empty.ppm all.ppm || { echo "redrawing everything leaves the line"; failures=1; }
 exit $failures
