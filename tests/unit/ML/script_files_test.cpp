@@ -2,12 +2,10 @@
 // line, and what ends it the `// expect error: …`.
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "expectations.h"
 #include "script_fixture.h"
 
 namespace quelmark::test {
@@ -31,33 +29,10 @@ std::string NameOf(const testing::TestParamInfo<std::string>& info) {
     return path.parent_path().filename().string() + "_" + path.stem().string();
 }
 
-// The texts behind `mark` in the source, one a line.
-std::vector<std::string> Expected(const std::string& source, const std::string& mark) {
-    std::vector<std::string> texts;
-    std::istringstream lines(source);
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t at = line.find(mark);
-        if (at != std::string::npos) {
-            texts.push_back(line.substr(at + mark.size()));
-        }
-    }
-    return texts;
-}
-
-std::vector<std::string> LinesOf(const std::string& text) {
-    std::vector<std::string> found;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        found.push_back(line);
-    }
-    return found;
-}
-
 class LanguageScript : public ScriptTest, public testing::WithParamInterface<std::string> {};
 
 TEST_P(LanguageScript, PrintsWhatStandsBesideItsStatements) {
-    std::ifstream file(GetParam(), std::ios::binary);
-    const std::string source(std::istreambuf_iterator<char>(file), {});
+    const std::string source = ReadFile(GetParam());
     Start();
     ExecMark mark{};
     try {

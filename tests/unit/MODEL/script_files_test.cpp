@@ -1,10 +1,10 @@
 // The examples of the library pages and the scripts of the model families: what each prints must be the `// expect: …`
 // texts, line by line, and what ends it the `// expect error: …`.
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 
+#include "expectations.h"
 #include "model_fixture.h"
 
 namespace quelmark::test {
@@ -19,11 +19,6 @@ struct Example {
     std::string name;  // letters, digits and underscores
     std::string source;
 };
-
-std::string ReadFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // Every ```qms block of a page is a complete script.
 void AddBlocks(const std::string& family, std::vector<Example>& examples) {
@@ -56,28 +51,6 @@ std::vector<Example> Examples() {
         }
     }
     return examples;
-}
-
-// The texts behind `mark`, one a line.
-std::vector<std::string> Expected(const std::string& source, const std::string& mark) {
-    std::vector<std::string> texts;
-    std::istringstream lines(source);
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t at = line.find(mark);
-        if (at != std::string::npos) {
-            texts.push_back(line.substr(at + mark.size()));
-        }
-    }
-    return texts;
-}
-
-std::vector<std::string> LinesOf(const std::string& text) {
-    std::vector<std::string> found;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        found.push_back(line);
-    }
-    return found;
 }
 
 class ModelScript : public ModelTest, public testing::WithParamInterface<Example> {};
