@@ -3,6 +3,8 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 
 #include "ML/ERROR.h"
 #include "MODEL/OBJ.h"
@@ -20,7 +22,7 @@ constexpr std::int32_t PROBE_STEP = 997;  // odd, so it visits every slot of a t
 
 // Slots found lately, by a second key: neighbouring polygons ask for the same positions, and where
 // coordinates repeat in a regular way the probe for one is long.
-constexpr int RECENT_BITS = 12;
+constexpr int RECENT_BITS = 14;
 std::array<std::int32_t, 1 << RECENT_BITS> recentSlots;
 
 std::size_t RecentKey(const VertexRecord& v) {
@@ -73,9 +75,24 @@ void ShadeOff() {
     }
 }
 
+// Between the two passes a vertex keeps the slot of its position where its normal will be, so that no
+// position is looked for twice.
+static_assert(offsetof(VertexRecord, ny) == offsetof(VertexRecord, nx) + sizeof(std::int16_t));
+
+void KeepSlot(VertexRecord& v, const HashEntry& entry) {
+    const auto slot = static_cast<std::int32_t>(&entry - HashTable);
+    std::memcpy(reinterpret_cast<char*>(&v) + offsetof(VertexRecord, nx), &slot, sizeof slot);
+}
+
+const HashEntry& KeptEntry(const VertexRecord& v) {
+    std::int32_t slot = 0;
+    std::memcpy(&slot, reinterpret_cast<const char*>(&v) + offsetof(VertexRecord, nx), sizeof slot);
+    return HashTable[slot];
+}
+
 // The sum at a vertex, turned to the polygon's side and scaled to length 256.
 void SetSmoothNormal(VertexRecord& v, const std::int16_t plane[3]) {
-    const HashEntry& sum = HashFind(v);
+    const HashEntry& sum = KeptEntry(v);
     const double side = static_cast<double>(sum.nx) * plane[0] + static_cast<double>(sum.ny) * plane[1] +
                         static_cast<double>(sum.nz) * plane[2];
     const double x = sum.nx, y = sum.ny, z = sum.nz;
@@ -96,8 +113,8 @@ void ShadeSmooth() {
     for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
         if (polygon->select == 1) {
             PlaneNormal(polygon->Vertices(), normal);
-            for (const VertexRecord& v : polygon->Vertices()) {
-                HashAdd(v, normal);
+            for (VertexRecord& v : polygon->Vertices()) {
+                KeepSlot(v, HashAdd(v, normal));
             }
         }
     }
@@ -163,17 +180,18 @@ HashEntry& HashFind(const VertexRecord& position) {
     return HashTable[n];
 }
 
-void HashAdd(const VertexRecord& position, const std::int16_t normal[3]) {
+HashEntry& HashAdd(const VertexRecord& position, const std::int16_t normal[3]) {
     HashEntry& entry = HashFind(position);
     if (entry.flag == 0) {
         entry = {1, 0, position.x, position.y, position.z, normal[0], normal[1], normal[2]};
-        return;
+        return entry;
     }
     const std::int32_t side = entry.nx * normal[0] + entry.ny * normal[1] + entry.nz * normal[2];
     const std::int32_t sign = side < 0 ? -1 : 1;
     entry.nx = CutTo16(entry.nx + sign * normal[0]);
     entry.ny = CutTo16(entry.ny + sign * normal[1]);
     entry.nz = CutTo16(entry.nz + sign * normal[2]);
+    return entry;
 }
 
 }  // namespace quelmark

@@ -30,8 +30,9 @@ extern std::int32_t HashMask;
 
 void HashInit(std::int32_t vertices);
 void HashExit();
-// Adds a plane normal to the sum at a position, or its opposite when it points away from the sum.
-void HashAdd(const VertexRecord& position, const std::int16_t normal[3]);
+// Adds a plane normal to the sum at a position, or its opposite when it points away from the sum. The entry
+// of the position.
+HashEntry& HashAdd(const VertexRecord& position, const std::int16_t normal[3]);
 // The entry of a position, or the empty entry where it would stand.
 HashEntry& HashFind(const VertexRecord& position);
 
