@@ -57,6 +57,36 @@ is "one = belongs to the line, a second one to the value" 0 "アトリビュー�
 アトリビュートバッファがオーバーフローしました
 -1 -1"
 
+# ---- sizes that no line names ----
+config
+names() {
+    seq -s "$2" "$1" | sed -E "s/[0-9]+/$3/g"
+}
+script "var $(names 256 ', ' 'g&'); print(\"globals\");"
+run --
+is "256 globals" 0 "globals"
+script "var $(names 257 ', ' 'g&');"
+run --
+is "and not one more" 1 "t.qms:1:  Fatal 識別子管理バッファがオーバーフローしました"
+script "$(names 256 ' ' 'function f&() {}') print(\"functions\");"
+run --
+is "256 functions" 0 "functions"
+script "$(names 257 ' ' 'function f&() {}')"
+run --
+is "and not one more function" 1 "t.qms:1:  Fatal 識別子管理バッファがオーバーフローしました"
+script 'var i, n = 0, m = 0;
+for (i = 0; i < 257; i++) if (AttrAppend("a" + i, 1) >= 0) n++;
+for (i = 0; i < 17; i++) if (ObjAppend("o" + i, "") >= 0) m++;
+print(n, m);'
+run --
+is "256 attributes and 16 objects" 0 "アトリビュートバッファがオーバーフローしました
+オブジェクトバッファがオーバーフローしました
+256 16"
+script 'function down(n) { if (n == 0) return 0; return down(n - 1) + 1; } print(down(100), "\n"); down(5000);'
+run --
+is "1024 cells of stack" 1 "100
+t.qms:1:  Error スタックオーバーフロー！！"
+
 # ---- source files ----
 printf 'print("first", one, "\\n");' > home/one.qms
 printf 'var one; one = 1;' > home/zero.qms

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # startup.sh QUELMARKC LOCALES: what the program does with its configuration, its search path and bad files at start-up.
 set -u
-program=$1
+program=$(realpath "$1")
 locales=$2
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
