@@ -10,7 +10,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSlider>
+#include <QStyle>
 #include <QToolTip>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -18,6 +20,7 @@
 #include <memory>
 #include <vector>
 
+#include "host/qt/QTROWAREA.h"
 #include "host/qt/QTTEXT.h"
 #include "text/path.h"
 #include "text/sjis.h"
@@ -122,6 +125,10 @@ TakeAnswer AddSlider(QHBoxLayout& line, DialogRow& row, const Changed& changed) 
     line.addWidget(slider);
     auto* number = new QLabel;
     const auto show = [number](int value) { number->setText(QString::asprintf("%6d", value)); };
+    for (const int end : {slider->minimum(), slider->maximum()}) {
+        show(end);
+        number->setMinimumWidth(std::max(number->minimumWidth(), number->sizeHint().width()));
+    }
     show(slider->value());
     line.addWidget(number);
     QObject::connect(slider, &QSlider::valueChanged, number, show);
@@ -146,14 +153,49 @@ TakeAnswer AddRow(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
     return [] {};
 }
 
+// The buttons' results are told apart from the library's own by this.
+constexpr int RESULT_BASE = 1000;
+
+QWidget* MakeButtons(QDialog& shown, const Dialog& dialog) {
+    auto* buttons = new QWidget;
+    auto* line = new QHBoxLayout(buttons);
+    line->setContentsMargins(0, 0, 0, 0);
+    for (std::size_t i = 0; i < dialog.buttons.size(); ++i) {
+        auto* button = new QPushButton(ToLabel(dialog.buttons[i].label));
+        button->setAutoDefault(false);
+        button->setDefault(i == dialog.acceptButton);
+        line->addWidget(button);
+        const int result = RESULT_BASE + dialog.buttons[i].result;
+        QObject::connect(button, &QPushButton::clicked, &shown, [&shown, result] { shown.done(result); });
+    }
+    return buttons;
+}
+
+// What the screen leaves for the rows, beside the window's frame and the buttons.
+QSize RoomForRows(const QDialog& shown, const QWidget& buttons) {
+    const int title = 2 * shown.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    const QMargins margins = shown.layout()->contentsMargins();
+    const int taken = title + buttons.sizeHint().height() + 2 * shown.layout()->spacing();
+    return shown.screen()->availableSize().shrunkBy(margins) - QSize(0, taken);
+}
+
+// Wide enough for the title and the title bar's own buttons.
+int TitleWidth(const QDialog& shown) {
+    const int text =
+        QFontMetrics(QApplication::font("QMdiSubWindowTitleBar")).horizontalAdvance(shown.windowTitle());
+    const int bar = shown.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    return std::min(text + 5 * bar, shown.screen()->availableSize().width());
+}
+
 }  // namespace
 
 std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
                          const std::function<void(std::int32_t row)>& changed) {
-    constexpr int RESULT_BASE = 1000;  // apart from the library's own results
     QDialog shown(parent);
     shown.setWindowTitle(ToText(dialog.title));
-    auto* lines = new QVBoxLayout(&shown);
+    auto* rows = new QWidget;
+    auto* lines = new QVBoxLayout(rows);
+    lines->setContentsMargins(0, 0, 0, 0);
     std::ranges::stable_sort(dialog.rows, {}, &DialogRow::row);
     std::vector<TakeAnswer> answers;
     const auto take = [&answers] { std::ranges::for_each(answers, [](const TakeAnswer& one) { one(); }); };
@@ -166,16 +208,11 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
         }));
         line->addStretch();
     }
-    auto* buttons = new QHBoxLayout;
-    lines->addLayout(buttons);
-    for (std::size_t i = 0; i < dialog.buttons.size(); ++i) {
-        auto* button = new QPushButton(ToLabel(dialog.buttons[i].label));
-        button->setAutoDefault(false);
-        button->setDefault(i == dialog.acceptButton);
-        buttons->addWidget(button);
-        const int result = RESULT_BASE + dialog.buttons[i].result;
-        QObject::connect(button, &QPushButton::clicked, &shown, [&shown, result] { shown.done(result); });
-    }
+    auto* whole = new QVBoxLayout(&shown);
+    QWidget* buttons = MakeButtons(shown, dialog);
+    whole->addWidget(new QtRowArea(rows, RoomForRows(shown, *buttons)));
+    whole->addWidget(buttons);
+    shown.resize(shown.sizeHint().expandedTo({TitleWidth(shown), 0}));
     const int result = shown.exec();
     take();
     return result >= RESULT_BASE ? result - RESULT_BASE : 0;
