@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# dialog_text.sh QUELMARK: a dialog's field under Xvfb keeps what Shift-JIS can carry and refuses the rest while it is typed.
+# dialog_text.sh QUELMARK: a dialog's field under Xvfb keeps what Shift-JIS can carry and refuses the rest while it is typed, and a
+# text that is longer than an answer can be.
 set -u
 program=$(realpath "$1")
 command -v Xvfb >/dev/null && command -v xdotool >/dev/null || { echo "Xvfb or xdotool is missing"; exit 77; }
@@ -34,9 +35,11 @@ sleep 0.4
 xdotool windowfocus "$dialog" key Tab key Tab key Tab key End
 xdotool type 'aéb'
 sleep 0.4
+# Twice as long again and again; what would be 1536 bytes is refused.
+for _ in $(seq 9); do xdotool key ctrl+a key ctrl+c key End key ctrl+v; sleep 0.1; done
 xdotool key Return
 sleep 0.4
 xdotool windowfocus "$id" key q
 wait $window
 printed=$(iconv -f CP932 -t UTF-8 "$folder/printed" | sed 's/ *$//')
-[ "$printed" = "1 [xab]" ] || { echo "printed: $printed"; exit 1; }
+[ "$printed" = "1 [$(for _ in $(seq 256); do printf xab; done)]" ] || { echo "printed: $printed"; exit 1; }

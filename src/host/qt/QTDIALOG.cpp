@@ -39,18 +39,27 @@ QLabel* AddLabel(QHBoxLayout& line, const std::string& text) {
     return label;
 }
 
-// Characters that scripts cannot have are refused while they are typed: the field keeps its text and says
-// why.
-void RefuseForeignText(QLineEdit* field) {
+// Why scripts cannot have a text; "" when they can.
+std::string Fault(const QString& text) {
+    const auto carried = Utf8ToCp932(text.toStdString());
+    if (!carried) {
+        return "シフトJISで表せない文字は使えません。"_sjis;
+    }
+    return carried->size() > DIALOG_TEXT_BYTES ? "文字列が長すぎます。"_sjis : "";
+}
+
+// What scripts cannot have is refused while it is typed: the field keeps its text and says why. A text that
+// was too long from the beginning may become shorter.
+void RefuseFaultyText(QLineEdit* field) {
     const auto kept = std::make_shared<QString>(field->text());
     QObject::connect(field, &QLineEdit::textChanged, field, [field, kept](const QString& text) {
-        if (Utf8ToCp932(text.toStdString())) {
+        const std::string fault = Fault(text);
+        if (fault.empty() || (text.size() < kept->size() && Utf8ToCp932(text.toStdString()))) {
             *kept = text;
             return;
         }
         QApplication::beep();
-        QToolTip::showText(field->mapToGlobal(QPoint(0, field->height())),
-                           ToText("シフトJISで表せない文字は使えません。"_sjis), field);
+        QToolTip::showText(field->mapToGlobal(QPoint(0, field->height())), ToText(fault), field);
         const int cursor = field->cursorPosition();
         const auto longer = static_cast<int>(text.size() - kept->size());
         field->setText(*kept);
@@ -81,7 +90,7 @@ TakeAnswer AddField(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
     const int width = std::clamp(row.width, 1, 80);
     field->setMinimumWidth(QFontMetrics(field->font()).horizontalAdvance(QLatin1Char('0')) * width);
     line.addWidget(field);
-    RefuseForeignText(field);
+    RefuseFaultyText(field);
     if (!row.filters.empty()) {
         AddBrowseButton(line, field, row);
     }
