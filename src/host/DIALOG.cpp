@@ -133,13 +133,17 @@ std::int32_t DialogRun() {
 }
 
 void DialogChanged(Dialog& dialog, std::int32_t row) {
-    KeepAnswers(dialog);
     dialog.untold |= 1U << row;
-    if (dialog.telling || dialog.handler < 0) {
+    if (dialog.telling) {
+        return;
+    }
+    KeepAnswers(dialog);
+    if (dialog.handler < 0) {
         return;
     }
     // A slow handler lets the window system deliver messages. A row that changes meanwhile is told of when
-    // the handler has come back, once, however often it has changed.
+    // the handler has come back, once, however often it has changed; the handler sees the same answers all
+    // the time.
     dialog.telling = true;
     while (dialog.untold != 0) {
         const std::int32_t next = std::countr_zero(dialog.untold);
