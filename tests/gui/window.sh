@@ -13,7 +13,8 @@ for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
 DISPLAY=:$(cat "$folder/display")
 export DISPLAY
 unset MODELPATH QUELMARKINPUT
-"$program" "$sample" >"$folder/printed" 2>/dev/null &
+cp "$(dirname "$program")/Quelmark.ini" "$folder/"  # settings are kept here, not where the next test finds them
+HOME="$folder" "$program" "$sample" >"$folder/printed" 2>/dev/null &
 window=$!
 failures=0
 fail() { echo "$1"; failures=1; }
