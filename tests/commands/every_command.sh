@@ -1,0 +1,90 @@
+#!/usr/bin/env bash
+# every_command.sh QUELMARKC: every item of every menu and every key, in every situation, once cancelled, once accepted as it is proposed
+# and once with a file for an answer: no error, cancelling changes nothing, and undoing gives back what was there.
+set -u
+program=$(realpath "$1")
+here=$(realpath "$(dirname "$0")")
+folder=$(mktemp -d -p "$([ -w /dev/shm ] && echo /dev/shm || echo /tmp)")  # models are written to the disk itself, thousands of times
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+unset MODELPATH
+export HOME="$folder"
+cp "$here/situations.qms" .
+
+# situation NAME [SETTING ...]: the configuration of a run.
+situation() {
+    local key keys="Situation" settings="Situation = $1"
+    shift
+    while [ $# -gt 0 ]; do
+        key=$1
+        keys="$keys|$key"
+        settings="$settings"$'\n'"$key = $2"
+        shift 2
+    done
+    {
+        grep -vE "^($keys)[[:space:]=]" "$(dirname "$program")/Quelmark.ini"
+        printf '%s\nSourceFile = situations.qms\n' "$settings"
+    } > Quelmark.ini
+}
+
+# What is bound: position, item and text of every item of the menus, then the codes of the keys.
+situation empty
+for position in 0 1 2 3 4 5 6 7 8 9 10 11; do
+    echo "open $position" > open.input
+    QUELMARKINPUT=open.input "$program" | iconv -f CP932 -t UTF-8 |
+        awk -F '\t' -v position=$position '$1 != "-" { print "menu " position " " NR - 1 "\t" $1 }'
+done > items
+for code in $(seq 1 127) $(seq 32769 32779) $(seq 32784 32813); do
+    printf 'key %d\tkey %d\n' "$code" "$code"
+done > keys
+
+# Quitting ends the session; whether there are recent files depends on what was tried before. A new model and another file forget the
+# steps: they are only cancelled.
+session() {
+    awk -F '\t' -v quit='^(終了|（最近|[1-9]  |key 17$)' -v forgets='^(新規|開く|key 1[45]$)' '
+        function run(mode, answers, hand) {
+            print "answer 0 " mode; print "answer 1 " $2; print "button 1"; print "key KEY_F13"
+            print answers; print $1 (hand ? "\n" hand : "\nkey KEY_F12")
+            for (i = 0; i < 3; i++) print "key 27"
+            print "key KEY_F14"; print "key KEY_F12"  # no answer of the next to this one
+        }
+        $2 ~ quit { next }
+        { run("cancel", "button 0\nbutton 0\nbutton 0\nbutton 99") }
+        $2 ~ forgets { next }
+        { run("accept", "button 1\nbutton 1\nbutton 1\nbutton 99")
+          run("file", "file other.suf\nbutton 1\nbutton 1\nbutton 1\nbutton 99") }
+        /^menu/ { run("press", "button 0\nbutton 0\nbutton 0\nbutton 99", "mouse 250 200 1\nmouse 300 220 1\nmouse 300 220 0" \
+                      "\nkey x\nmouse 250 150 1\nmouse 250 150 0\nkey 13") }
+        END { print "key KEY_F15" }' items keys
+}
+session > session.input
+wanted=$(grep -c KEY_F13 session.input)
+
+failures=0
+# try NAME ASKED CHANGED [SETTING ...]: at least so many ask and so many change the model.
+try() {
+    local name=$1 askedLeast=$2 changedLeast=$3 ran asked changed status
+    shift 3
+    situation "$name" "$@"
+    QUELMARKINPUT=session.input timeout 300 "$program" > printed 2> errors
+    status=$?
+    iconv -f CP932 -t UTF-8 printed > log
+    read -r ran asked changed < <(sed -n 's/^ran \([0-9]*\) asked \([0-9]*\) changed \([0-9]*\).*/\1 \2 \3/p' log)
+    # A full table or buffer is told, and the model stays as it was; a file that is added keeps what could be read of it.
+    awk '/^command / { name = $0; full = 0 } /オーバフロー|オーバーフロー/ { full = 1 }
+        /^changed/ && full && name !~ /読み加える/ { print "FAULT " name " changes the model though it does not fit" }
+        /^FAULT/ || /Error|Fatal|Internal check/ { print name ": " $0 }' log > faults
+    if [ $status -ne 0 ] || [ -s faults ] || [ "$ran" != "$wanted" ] || [ "$asked" -lt "$askedLeast" ] ||
+        [ "$changed" -lt "$changedLeast" ]; then
+        echo "$name: status $status, ran $ran of $wanted, asked $asked, changed $changed"
+        cat errors faults
+        failures=1
+    fi
+}
+try empty 30 5
+try none 40 12
+try all 100 90
+try hidden 100 90
+try full 100 60 BufferSize 8
+try tables 100 90 Attr 3 Object 2
+exit $failures
