@@ -12,6 +12,7 @@
 #include <QToolTip>
 #include <QUrl>
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "ML/ERROR.h"
@@ -55,6 +56,14 @@ QRect ToRect(const PixelRect& rect) {
     return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
 }
 
+// A raised or sunken rectangle: one cell of light at its left and top, one of shadow at its right and bottom.
+void PaintEdge(QPainter& painter, const QRect& place, const QColor& light, const QColor& shadow) {
+    painter.fillRect(QRect(place.left(), place.top(), place.width(), 1), light);
+    painter.fillRect(QRect(place.left(), place.top(), 1, place.height()), light);
+    painter.fillRect(QRect(place.left(), place.bottom(), place.width(), 1), shadow);
+    painter.fillRect(QRect(place.right(), place.top(), 1, place.height()), shadow);
+}
+
 QElapsedTimer& Clock() {
     static QElapsedTimer clock;
     return clock;
@@ -67,9 +76,8 @@ QtWindow::QtWindow(QtFrame& frame) : QWidget(&frame), frame_(frame) {
     frame.closeWanted = [this] { state_.closeRequested = true; };
     Clock().start();
     setFont(JapaneseFont());
-    const QFontMetrics metrics(font());
-    characterWidth_ = metrics.horizontalAdvance(QLatin1Char('0'));
-    lineHeight_ = std::max(metrics.height(), 1);
+    labelFont_ = font();
+    Measure();
     setMouseTracking(true);
     setAcceptDrops(true);
     setFocusPolicy(Qt::StrongFocus);
@@ -81,6 +89,19 @@ QtWindow::QtWindow(QtFrame& frame) : QWidget(&frame), frame_(frame) {
     frame.setWindowTitle(QStringLiteral("Quelmark"));
     frame.setCentralWidget(this);
     frame.resize(1024, 768);
+}
+
+void QtWindow::Measure() {
+    grid_ = GridOf(*this);
+    font_ = font();
+    font_.setPixelSize(FontCells(grid_, FONT_PIXELS));
+    const QFontMetrics metrics(font_);
+    characterWidth_ = std::max(metrics.horizontalAdvance(QLatin1Char('0')), 1);
+    lineHeight_ = std::max(metrics.height(), 1);
+    if (hosted_) {
+        HostResized();
+    }
+    update();
 }
 
 // ---- messages and input ----
@@ -150,12 +171,16 @@ bool QtWindow::event(QEvent* event) {
         ShowTip(*static_cast<QHelpEvent*>(event));
         return true;
     }
+    if (event->type() == QEvent::ScreenChangeInternal) {  // to a screen of another scale
+        Measure();
+    }
     return QWidget::event(event);
 }
 
 // The pointer rests: the full name of what it is on.
 void QtWindow::ShowTip(const QHelpEvent& event) {
-    const std::string tip = hosted_ ? PaneTip(event.x(), event.y()) : "";
+    const QPoint place = CellOfPointer(event.pos());
+    const std::string tip = hosted_ ? PaneTip(place.x(), place.y()) : "";
     // As rich text, so that no name is taken for mark-up.
     const QString text = "<qt>" + ToText(tip).toHtmlEscaped() + "</qt>";
     QToolTip::showText(event.globalPos(), tip.empty() ? QString() : text, this);
@@ -207,9 +232,21 @@ void QtWindow::inputMethodEvent(QInputMethodEvent* event) {
     event->accept();
 }
 
+// The library rounds the place of most events to its own units; where the mouse was last is known exactly.
+QPoint QtWindow::CellOfPointer(QPointF rounded) const {
+    const QPointF off = rounded - pointer_;
+    return ToGrid(grid_, std::max(std::abs(off.x()), std::abs(off.y())) < 1 ? pointer_ : rounded);
+}
+
+void QtWindow::TakePlace(QPointF rounded) {
+    const QPoint place = CellOfPointer(rounded);
+    state_.x = place.x();
+    state_.y = place.y();
+}
+
 void QtWindow::TakeMouse(const QMouseEvent& event) {
-    state_.x = static_cast<std::int32_t>(event.position().x());
-    state_.y = static_cast<std::int32_t>(event.position().y());
+    pointer_ = event.scenePosition() - mapTo(window(), QPoint(0, 0));
+    TakePlace(event.position());
     state_.left = (event.buttons() & Qt::LeftButton) != 0;
     state_.right = (event.buttons() & Qt::RightButton) != 0;
     TakeShift(event.modifiers());
@@ -231,8 +268,7 @@ void QtWindow::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void QtWindow::wheelEvent(QWheelEvent* event) {
-    state_.x = static_cast<std::int32_t>(event->position().x());
-    state_.y = static_cast<std::int32_t>(event->position().y());
+    TakePlace(event->position());
     TakeShift(event->modifiers());
     wheelRest_ += event->angleDelta().y();
     state_.wheel += wheelRest_ / WHEEL_TURN;
@@ -262,10 +298,10 @@ void QtWindow::focusOutEvent(QFocusEvent*) {
 }
 
 void QtWindow::resizeEvent(QResizeEvent*) {
-    if (hosted_) {
-        HostResized();
-    }
-    update();
+    Measure();
+}
+void QtWindow::moveEvent(QMoveEvent*) {
+    Measure();  // below a menu bar of another height the grid may begin at another part of a pixel
 }
 
 // ---- what is shown ----
@@ -279,12 +315,12 @@ void QtWindow::Invalidate(Pane pane) {
                            : pane == Pane::Buttons ? ButtonsRect()
                            : pane == Pane::Status  ? StatusRect()
                                                    : MessageRect();
-    update(ToRect(rect));
+    Renew(ToRect(rect));
 }
 
 void QtWindow::InvalidateFrame(const PixelRect& rect) {
     stale_ += ToRect(rect);
-    update(ToRect(rect));
+    Renew(ToRect(rect));
 }
 
 void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
@@ -314,7 +350,7 @@ void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t gre
     }
     for (const ViewText& text : ViewTexts()) {
         if (text.colour == PULSE_ENTRY) {
-            update(ToRect(text.place));
+            Renew(ToRect(text.place));
         }
     }
 }
@@ -344,7 +380,11 @@ void QtWindow::TellChange(Dialog& dialog, std::int32_t row) {
         QCoreApplication::instance()->removeEventFilter(this);
     }
     if (!stale_.isEmpty()) {
-        repaint(stale_);
+        QRegion region;
+        for (const QRect& rect : stale_) {
+            region += FromGrid(grid_, rect);
+        }
+        repaint(region);
     }
 }
 
@@ -388,23 +428,29 @@ void QtWindow::ExpandFrame(const QRect& area) {
 
 void QtWindow::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
+    PaintOnGrid(painter, grid_);
     if (!hosted_ || ViewFrame.width < 1) {
-        painter.fillRect(event->rect(), Qt::darkGray);
+        painter.fillRect(ToGrid(grid_, event->rect()), Qt::darkGray);
         return;
     }
     if (picture_.width() != ViewFrame.width || picture_.height() != ViewFrame.height) {
         picture_ = QImage(ViewFrame.width, ViewFrame.height, QImage::Format_RGB32);
         stale_ = picture_.rect();
     }
-    const QRegion wanted = stale_.intersected(event->region());
+    QRegion region;
+    for (const QRect& rect : event->region()) {
+        region += ToGrid(grid_, rect);
+    }
+    const QRegion wanted = stale_.intersected(region);
     for (const QRect& rect : wanted) {
         ExpandFrame(rect);
     }
     stale_ -= wanted;
-    for (const QRect& rect : event->region()) {
+    for (const QRect& rect : region) {
         const QRect shown = rect.intersected(picture_.rect());
         painter.drawImage(shown.topLeft(), picture_, shown);
     }
+    painter.setFont(font_);
     PaintTexts(painter);
     PaintList(painter);
     PaintButtons(painter);
@@ -413,7 +459,7 @@ void QtWindow::paintEvent(QPaintEvent* event) {
 }
 
 void QtWindow::PaintTexts(QPainter& painter) {
-    const int ascent = QFontMetrics(font()).ascent();
+    const int ascent = QFontMetrics(font_).ascent();
     for (const ViewText& text : ViewTexts()) {
         painter.setClipRect(ToRect(Intersection(text.clip, text.place)));
         painter.setPen(Entry(text.colour));
@@ -428,7 +474,7 @@ void QtWindow::PaintList(QPainter& painter) {
     painter.fillRect(QRect(panel.left(), panel.top(), 1, panel.height()), Entry(PANE_HIGHLIGHT));
     painter.setClipRect(panel);
     const int left = ListTextLeft();
-    const int ascent = QFontMetrics(font()).ascent();
+    const int ascent = QFontMetrics(font_).ascent();
     for (const PaneRow& row : ListRows()) {
         const int top = row.row * lineHeight_;
         if (row.current) {
@@ -447,19 +493,16 @@ void QtWindow::PaintButtons(QPainter& painter) {
         return;
     }
     painter.setClipRect(panel);
+    painter.setFont(labelFont_);
     painter.fillRect(panel, Entry(PANE_HIGHLIGHT));
     for (const ButtonFace& face : ButtonFaces()) {
         const QRect place = ToRect(face.rect);
         const QColor light = Entry(face.pressed ? FRAME_COLOUR : PANE_TEXT);
         const QColor shadow = Entry(face.pressed ? PANE_TEXT : FRAME_COLOUR);
-        painter.setPen(light);
-        painter.drawLine(place.topLeft(), place.topRight());
-        painter.drawLine(place.topLeft(), place.bottomLeft());
-        painter.setPen(shadow);
-        painter.drawLine(place.bottomLeft(), place.bottomRight());
-        painter.drawLine(place.topRight(), place.bottomRight());
+        PaintEdge(painter, place, light, shadow);
         const int shift = face.pressed ? 1 : 0;
-        painter.setPen(face.enabled ? QColor(Qt::black) : Entry(FRAME_COLOUR));
+        const QColor ink = face.enabled ? QColor(Qt::black) : Entry(FRAME_COLOUR);
+        painter.setPen(ink);
         if (!face.picture) {
             painter.drawText(place.translated(shift, shift), Qt::AlignCenter, ToText(face.label));
             continue;
@@ -467,11 +510,12 @@ void QtWindow::PaintButtons(QPainter& painter) {
         for (int y = 0; y < 16; ++y) {
             for (int x = 0; x < 16; ++x) {
                 if ((face.rows[static_cast<std::size_t>(y)] >> (15 - x) & 1) != 0) {
-                    painter.drawPoint(place.left() + 2 + shift + x, place.top() + 2 + shift + y);
+                    painter.fillRect(place.left() + 2 + shift + x, place.top() + 2 + shift + y, 1, 1, ink);
                 }
             }
         }
     }
+    painter.setFont(font_);
     painter.setClipping(false);
 }
 
@@ -479,19 +523,14 @@ void QtWindow::PaintStatus(QPainter& painter) {
     const QRect bar = ToRect(StatusRect());
     painter.fillRect(bar, Entry(PANE_HIGHLIGHT));
     painter.fillRect(QRect(bar.left(), bar.top(), bar.width(), 1), Entry(PANE_TEXT));
-    const int ascent = QFontMetrics(font()).ascent();
+    const int ascent = QFontMetrics(font_).ascent();
     for (std::int32_t field = 0; field < STATUS_FIELDS; ++field) {
         const QRect place = ToRect(StatusFieldRect(field));
         if (place.isEmpty()) {
             continue;
         }
         if (field > 0) {
-            painter.setPen(Entry(FRAME_COLOUR));
-            painter.drawLine(place.topLeft(), place.topRight());
-            painter.drawLine(place.topLeft(), place.bottomLeft());
-            painter.setPen(Entry(PANE_TEXT));
-            painter.drawLine(place.bottomLeft(), place.bottomRight());
-            painter.drawLine(place.topRight(), place.bottomRight());
+            PaintEdge(painter, place, Entry(FRAME_COLOUR), Entry(PANE_TEXT));
         }
         painter.setClipRect(place.adjusted(1, 0, -1, 0));
         painter.setPen(Qt::black);
@@ -510,7 +549,7 @@ void QtWindow::PaintMessage(QPainter& painter) {
     painter.fillRect(QRect(band.left(), band.top(), band.width(), 1), Qt::black);
     painter.setClipRect(band);
     painter.setPen(Qt::black);
-    const int ascent = QFontMetrics(font()).ascent();
+    const int ascent = QFontMetrics(font_).ascent();
     int top = band.top() + lineHeight_ / 2;
     for (const std::string& line : MessageLines()) {
         painter.drawText(band.left() + characterWidth_, top + ascent, ToText(line));

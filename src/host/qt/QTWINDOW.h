@@ -12,6 +12,7 @@
 #include <deque>
 
 #include "host/WINDOW.h"
+#include "host/qt/PIXELGRID.h"
 #include "host/qt/QTFRAME.h"
 
 namespace quelmark {
@@ -27,8 +28,8 @@ class QtWindow final : public QWidget, public Window {
     bool TakeBreakKey() override;
     bool TakeEscapeKey() override;
     std::uint32_t Milliseconds() override;
-    std::int32_t ClientWidth() const override { return width(); }
-    std::int32_t ClientHeight() const override { return height(); }
+    std::int32_t ClientWidth() const override { return grid_.width; }
+    std::int32_t ClientHeight() const override { return grid_.height; }
     std::int32_t CharacterWidth() const override { return characterWidth_; }
     std::int32_t LineHeight() const override { return lineHeight_; }
     void Invalidate(Pane pane) override;
@@ -50,6 +51,7 @@ class QtWindow final : public QWidget, public Window {
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
@@ -63,6 +65,11 @@ class QtWindow final : public QWidget, public Window {
 
   private:
     void ShowTip(const QHelpEvent& event);
+    // The grid, the font and what the host lays out on them, for the window as it is now.
+    void Measure();
+    void Renew(const QRect& cells) { update(FromGrid(grid_, cells)); }
+    QPoint CellOfPointer(QPointF rounded) const;
+    void TakePlace(QPointF rounded);
     void TakeMouse(const QMouseEvent& event);
     void TakeButtons(const QMouseEvent& event);
     void TakeShift(Qt::KeyboardModifiers modifiers);
@@ -97,10 +104,14 @@ class QtWindow final : public QWidget, public Window {
     InputState state_;
     std::deque<PendingButtons> buttons_;
     std::deque<PendingKey> keys_;
+    QPointF pointer_;             // where the mouse was last
     std::int32_t wheelRest_ = 0;  // eighths of a degree not yet a whole turn
     std::array<QRgb, 16> palette_{};
-    QImage picture_;  // the frame in 32 bits
-    QRegion stale_;   // of the picture
+    PixelGrid grid_;
+    QFont font_;       // of the panes, in cells
+    QFont labelFont_;  // of the buttons, whose size in cells is always the same
+    QImage picture_;   // the frame in 32 bits
+    QRegion stale_;    // of the picture, in cells
     std::int32_t characterWidth_ = 8, lineHeight_ = 16;
     bool hosted_ = false;
 };
