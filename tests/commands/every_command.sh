@@ -4,39 +4,10 @@
 set -u
 program=$(realpath "$1")
 here=$(realpath "$(dirname "$0")")
-folder=$(mktemp -d -p "$([ -w /dev/shm ] && echo /dev/shm || echo /tmp)")  # models are written to the disk itself, thousands of times
-trap 'rm -rf "$folder"' EXIT
-cd "$folder" || exit 1
-unset MODELPATH
-export HOME="$folder"
-cp "$here/situations.qms" .
-
-# situation NAME [SETTING ...]: the configuration of a run.
-situation() {
-    local key keys="Situation" settings="Situation = $1"
-    shift
-    while [ $# -gt 0 ]; do
-        key=$1
-        keys="$keys|$key"
-        settings="$settings"$'\n'"$key = $2"
-        shift 2
-    done
-    {
-        grep -vE "^($keys)[[:space:]=]" "$(dirname "$program")/Quelmark.ini"
-        printf '%s\nSourceFile = situations.qms\n' "$settings"
-    } > Quelmark.ini
-}
-
-# What is bound: position, item and text of every item of the menus, then the codes of the keys.
-situation empty
-for position in 0 1 2 3 4 5 6 7 8 9 10 11; do
-    echo "open $position" > open.input
-    QUELMARKINPUT=open.input "$program" | iconv -f CP932 -t UTF-8 |
-        awk -F '\t' -v position=$position '$1 != "-" { print "menu " position " " NR - 1 "\t" $1 }'
-done > items
-for code in $(seq 1 127) $(seq 32769 32779) $(seq 32784 32813); do
-    printf 'key %d\tkey %d\n' "$code" "$code"
-done > keys
+# shellcheck source=prepare.sh
+. "$here/prepare.sh"
+configuration every_command.qms empty
+bound
 
 # Quitting ends the session; whether there are recent files depends on what was tried before. A new model and another file forget the
 # steps: they are only cancelled.
@@ -65,10 +36,9 @@ failures=0
 try() {
     local name=$1 askedLeast=$2 changedLeast=$3 ran asked changed status
     shift 3
-    situation "$name" "$@"
-    QUELMARKINPUT=session.input timeout 300 "$program" > printed 2> errors
+    configuration every_command.qms "$name" "$@"
+    play session.input > log
     status=$?
-    iconv -f CP932 -t UTF-8 printed > log
     read -r ran asked changed < <(sed -n 's/^ran \([0-9]*\) asked \([0-9]*\) changed \([0-9]*\).*/\1 \2 \3/p' log)
     # A full table or buffer is told, and the model stays as it was; a file that is added keeps what could be read of it.
     awk '/^command / { name = $0; full = 0 } /オーバフロー|オーバーフロー/ { full = 1 }
