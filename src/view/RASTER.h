@@ -2,6 +2,7 @@
 // inside the rectangle, and a line has the same pixels in both directions.
 #pragma once
 
+#include <array>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
@@ -49,5 +50,15 @@ void DrawLine(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint 
 // The same for a line that lies within the frame altogether.
 void DrawLineInside(FrameBuffer& frame, std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1,
                     std::uint8_t colour);
+
+// What the palette's entries look like as 32-bit pixels.
+using FramePalette = std::array<std::uint32_t, 16>;
+
+// Palette indices (their lower four bits) to 32-bit pixels, in one pass over the area, which lies within the
+// frame. `picture` is where the frame's first pixel goes; `stride` its pixels a row.
+void ExpandFrame(const FrameBuffer& frame, const PixelRect& area, const FramePalette& palette,
+                 std::uint32_t* picture, std::ptrdiff_t stride);
+// The whole rows from the first to the last that hold a palette index; empty when none does.
+PixelRect RowsWith(const FrameBuffer& frame, std::uint8_t colour);
 
 }  // namespace quelmark

@@ -336,17 +336,9 @@ void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t gre
         return;
     }
     // The pulse: only rows that hold the entry change.
-    std::int32_t first = -1;
-    std::int32_t last = -1;
-    for (std::int32_t y = 0; y < ViewFrame.height; ++y) {
-        const std::uint8_t* row = ViewFrame.Row(y);
-        if (std::memchr(row, PULSE_ENTRY, static_cast<std::size_t>(ViewFrame.width)) != nullptr) {
-            first = first < 0 ? y : first;
-            last = y;
-        }
-    }
-    if (first >= 0) {
-        InvalidateFrame({0, first, ViewFrame.width, last + 1});
+    const PixelRect rows = RowsWith(ViewFrame, PULSE_ENTRY);
+    if (!IsEmpty(rows)) {
+        InvalidateFrame(rows);
     }
     for (const ViewText& text : ViewTexts()) {
         if (text.colour == PULSE_ENTRY) {
@@ -414,16 +406,11 @@ void QtWindow::Beep() {
     QApplication::beep();
 }
 
-// Palette indices to 32-bit pixels, in one pass.
-void QtWindow::ExpandFrame(const QRect& area) {
-    const QRect inside = area.intersected(QRect(0, 0, ViewFrame.width, ViewFrame.height));
-    for (int y = inside.top(); y <= inside.bottom(); ++y) {
-        const std::uint8_t* from = ViewFrame.Row(y);
-        auto* to = reinterpret_cast<QRgb*>(picture_.scanLine(y));
-        for (int x = inside.left(); x <= inside.right(); ++x) {
-            to[x] = palette_[from[x] & 15];
-        }
-    }
+void QtWindow::ShowFrame(const QRect& area) {
+    const PixelRect wanted{area.left(), area.top(), area.left() + area.width(), area.top() + area.height()};
+    ExpandFrame(ViewFrame, Intersection(wanted, ViewFrame.Bounds()), palette_,
+                reinterpret_cast<QRgb*>(picture_.bits()),
+                picture_.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb)));
 }
 
 void QtWindow::paintEvent(QPaintEvent* event) {
@@ -443,7 +430,7 @@ void QtWindow::paintEvent(QPaintEvent* event) {
     }
     const QRegion wanted = stale_.intersected(region);
     for (const QRect& rect : wanted) {
-        ExpandFrame(rect);
+        ShowFrame(rect);
     }
     stale_ -= wanted;
     for (const QRect& rect : region) {

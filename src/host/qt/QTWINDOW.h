@@ -74,7 +74,7 @@ class QtWindow final : public QWidget, public Window {
     void TakeButtons(const QMouseEvent& event);
     void TakeShift(Qt::KeyboardModifiers modifiers);
     void PutKey(std::int32_t code);
-    void ExpandFrame(const QRect& area);
+    void ShowFrame(const QRect& area);
     void PaintTexts(QPainter& painter);
     void PaintList(QPainter& painter);
     void PaintButtons(QPainter& painter);
@@ -106,7 +106,7 @@ class QtWindow final : public QWidget, public Window {
     std::deque<PendingKey> keys_;
     QPointF pointer_;             // where the mouse was last
     std::int32_t wheelRest_ = 0;  // eighths of a degree not yet a whole turn
-    std::array<QRgb, 16> palette_{};
+    FramePalette palette_{};
     PixelGrid grid_;
     QFont font_;       // of the panes, in cells
     QFont labelFont_;  // of the buttons, whose size in cells is always the same

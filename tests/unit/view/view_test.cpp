@@ -71,6 +71,47 @@ TEST(Lines, FarEndsStayInsideAndOnTheTrueLine) {
     EXPECT_EQ(frame.Row(100)[100], 1);
 }
 
+TEST(Frame, ExpandsEveryPixelOfAnAreaAndNoOther) {
+    std::mt19937 random(5);
+    FrameBuffer frame;
+    frame.Resize(37, 9);
+    for (std::uint8_t& pixel : frame.pixels) {
+        pixel = static_cast<std::uint8_t>(random() % 256);
+    }
+    FramePalette palette{};
+    for (std::uint32_t& entry : palette) {
+        entry = static_cast<std::uint32_t>(random()) | 1;
+    }
+    for (int round = 0; round < 200; ++round) {
+        const int l = static_cast<int>(random() % 38), r = static_cast<int>(random() % 38);
+        const PixelRect area{std::min(l, r), round % 3, std::max(l, r), 9 - round % 5};
+        constexpr int STRIDE = 40;
+        std::vector<std::uint32_t> picture(static_cast<std::size_t>(STRIDE) * 9, 0), wanted = picture;
+        for (int y = area.top; y < area.bottom; ++y) {
+            for (int x = area.left; x < area.right; ++x) {
+                wanted[static_cast<std::size_t>(y * STRIDE + x)] = palette[frame.Row(y)[x] & 15];
+            }
+        }
+        ExpandFrame(frame, area, palette, picture.data(), STRIDE);
+        ASSERT_EQ(picture, wanted);
+    }
+}
+TEST(Frame, TheRowsWithAColourReachFromItsFirstToItsLast) {
+    FrameBuffer frame;
+    frame.Resize(20, 10);
+    EXPECT_TRUE(IsEmpty(RowsWith(frame, 3)));
+    frame.Row(0)[19] = 3;
+    EXPECT_EQ(RowsWith(frame, 3).top, 0);
+    EXPECT_EQ(RowsWith(frame, 3).bottom, 1);
+    frame.Row(0)[19] = 0;
+    frame.Row(2)[0] = frame.Row(7)[5] = 3;
+    const PixelRect rows = RowsWith(frame, 3);
+    EXPECT_EQ(rows.left, 0);
+    EXPECT_EQ(rows.top, 2);
+    EXPECT_EQ(rows.right, 20);
+    EXPECT_EQ(rows.bottom, 8);
+}
+
 class View3D : public ScriptTest {
   protected:
     void SetUp() override {
