@@ -14,6 +14,7 @@ namespace {
 constexpr std::uint8_t COLOUR_WITHOUT_ATTRIBUTE = 7;
 
 bool drawing = false;
+std::vector<const PolygonRecord*> selected;  // during a redraw
 
 void Prepare(std::int32_t mask) {
     FlatPrepare(mask);
@@ -44,26 +45,19 @@ void DrawModel() {
     if (ViewState.drawInvisible) {
         DrawInvisiblePolygons();
     }
-    PolygonRecord* firstSelected = nullptr;
-    const PolygonRecord* lastSelected = nullptr;
+    selected.clear();
     for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
         if ((polygon->flags & POLYGON_INVISIBLE) != 0) {
             continue;
         }
         if (polygon->select != 0) {
-            firstSelected = firstSelected == nullptr ? polygon : firstSelected;
-            lastSelected = polygon;
+            selected.push_back(polygon);
         } else {
             DrawPolygon(*polygon, AttributeColour(polygon->attr), Marks::AsSet);
         }
     }
-    for (PolygonRecord* polygon = firstSelected; polygon != nullptr; polygon = PolygonNext(polygon)) {
-        if (polygon->select != 0 && (polygon->flags & POLYGON_INVISIBLE) == 0) {
-            DrawPolygon(*polygon, COLOUR_SELECTED, Marks::AsSet);
-        }
-        if (polygon == lastSelected) {
-            return;
-        }
+    for (const PolygonRecord* polygon : selected) {
+        DrawPolygon(*polygon, COLOUR_SELECTED, Marks::AsSet);
     }
 }
 

@@ -11,16 +11,13 @@ namespace {
 constexpr std::int32_t GRID_MARGIN = 12;
 constexpr std::int64_t GRID_LEAST_PIXELS = 2;
 
-// One point a lane vector: x, y, z, and a fourth that means nothing.
-using Lanes = std::int32_t __attribute__((vector_size(16)));
-using Floats = float __attribute__((vector_size(16)));
-using Words = std::int16_t __attribute__((vector_size(8)));
-
-// One view: the axes it shows and where they land.
+// One view: the axes it shows and where they land, and the coordinates on these axes that lie within it; on
+// the others, and for the other words of a vertex, everything does.
 struct FlatView {
     PixelRect clip;
     std::int32_t centreX, centreY;
     int right, up;  // axes
+    Words low{}, high{};
 };
 
 enum class Path {
@@ -29,40 +26,25 @@ enum class Path {
     Careful,  // 64 bits, with conversion, any setting
 };
 
-constexpr std::int32_t FAR_AWAY = 1 << 28;  // beyond every frame, and safe to add a centre to
 constexpr std::int32_t CENTRE_NEAR = 1 << 20;
-constexpr std::int32_t ENLARGE_MOST = 100;     // (2^20 + 2^15) · 100 < FAR_AWAY
+constexpr std::int32_t ENLARGE_MOST = 100;     // (2^20 + 2^15) · 100 < 2^28
 constexpr std::int32_t REDUCE_MOST = 1 << 21;  // beyond it every near coordinate becomes 0
 
 FlatView views[3];
 int viewCount = 0;
 bool marking = false;
 Path path = Path::Careful;
-Lanes centre{};
 Lanes factor{};
 Floats inverse{};
-// Coordinates that can show in some view; a polygon that lies beyond them on an axis shows in no view with
-// that axis.
-Lanes showLow{}, showHigh{};
 
-Lanes points[VERTEX_LIMIT];  // pixels from the views' centres on each axis
-Lanes low, high;
+Lanes centre[3];                               // on each axis
+std::int64_t pixels[3][VERTEX_LIMIT + LANES];  // of one polygon, on each axis, from the views' centres
 
-Lanes LanesOf(std::int32_t x, std::int32_t y, std::int32_t z) {
-    return Lanes{x, y, z, 0};
+Words Least(Words a, Words b) {
+    return a < b ? a : b;
 }
-Lanes Load(const VertexRecord& vertex) {
-    Words words;
-    std::memcpy(&words, &vertex, sizeof words);
-    return __builtin_convertvector(words, Lanes);
-}
-Lanes Least(Lanes a, Lanes b) {
-    const Lanes less = a < b;
-    return (a & less) | (b & ~less);
-}
-Lanes Most(Lanes a, Lanes b) {
-    const Lanes less = a < b;
-    return (b & less) | (a & ~less);
+Words Most(Words a, Words b) {
+    return a > b ? a : b;
 }
 
 bool IsNear(const ModelPoint& point) {
@@ -77,82 +59,34 @@ Floats RoundedUpInverse(std::int32_t divisor) {
     return Floats{up, up, up, up};
 }
 
-// The range of coordinates on each axis that can lie within the views.
-void PrepareRange() {
-    std::int64_t reach = 0;
-    for (int i = 0; i < viewCount; ++i) {
-        const PixelRect& clip = views[i].clip;
-        reach = std::max<std::int64_t>({reach, clip.right - clip.left, clip.bottom - clip.top});
-    }
-    // A view's centre is its middle: half would do, and one pixel for the rounding.
-    const std::int64_t units = (reach + 2) * ViewState.denominator / ViewState.numerator + 1;
-    const auto limit = [](std::int64_t value) {
-        return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, -VERTEX_MAX - 2, VERTEX_MAX + 2));
-    };
-    const ModelPoint& c = ViewState.centre;
-    showLow = LanesOf(limit(c.x - units), limit(c.y - units), limit(c.z - units));
-    showHigh = LanesOf(limit(c.x + units), limit(c.y + units), limit(c.z + units));
-}
-
-// True when the polygon lies outside every view.
-bool IsOutside(const PolygonRecord& polygon) {
-    const auto vertices = polygon.Vertices();
-    Lanes least = Load(vertices[0]), most = least;
-    for (const VertexRecord& vertex : vertices.subspan(1)) {
-        const Lanes v = Load(vertex);
-        least = Least(least, v);
-        most = Most(most, v);
-    }
-    const Lanes beyond = (most < showLow) | (least > showHigh);
-    for (int i = 0; i < viewCount; ++i) {
-        if ((beyond[views[i].right] | beyond[views[i].up]) == 0) {
-            return false;
+// The first coordinate that lands at a distance in pixels from the centre or beyond; one more than the
+// greatest when none does.
+std::int32_t FirstAt(std::int64_t distance, int axis) {
+    std::int32_t first = INT16_MIN, end = INT16_MAX + 1;
+    while (first < end) {
+        const std::int32_t middle = first + (end - first) / 2;
+        if (ViewScaled(middle, axis) >= distance) {
+            end = middle;
+        } else {
+            first = middle + 1;
         }
     }
-    return true;
+    return first;
 }
 
-std::int32_t ScaledFar(std::int32_t coordinate, int axis) {
-    return static_cast<std::int32_t>(
-        std::clamp<std::int64_t>(ViewScaled(coordinate, axis), -FAR_AWAY, FAR_AWAY));
+// The coordinates that land on [from, to] pixels from the centre; when there are none, a range that nothing
+// lies in.
+void PrepareRange(FlatView& view, int axis, std::int64_t from, std::int64_t to) {
+    const std::int32_t low = FirstAt(from, axis), high = FirstAt(to + 1, axis) - 1;
+    view.low[axis] = static_cast<std::int16_t>(std::min(low, INT16_MAX));
+    view.high[axis] = static_cast<std::int16_t>(low > INT16_MAX ? INT16_MIN : std::max(high, INT16_MIN));
 }
 
-template <typename Project>
-void ProjectEach(const PolygonRecord& polygon, Project project) {
-    const auto vertices = polygon.Vertices();
-    low = high = points[0] = project(vertices[0]);
-    for (std::size_t i = 1; i < vertices.size(); ++i) {
-        const Lanes p = project(vertices[i]);
-        points[i] = p;
-        low = Least(low, p);
-        high = Most(high, p);
-    }
-}
-
-// True when some coordinate lies so far away that only the careful path keeps its lines exact.
-bool Project(const PolygonRecord& polygon) {
-    switch (path) {
-        case Path::Enlarge:
-            ProjectEach(polygon, [](const VertexRecord& v) { return (Load(v) - centre) * factor; });
-            return false;
-        case Path::Reduce:
-            ProjectEach(polygon, [](const VertexRecord& v) {
-                const Lanes difference = Load(v) - centre;
-                return __builtin_convertvector(__builtin_convertvector(difference, Floats) * inverse, Lanes);
-            });
-            return false;
-        case Path::Careful:
-            break;
-    }
-    ProjectEach(polygon, [](const VertexRecord& v) {
-        const ModelPoint p = ViewConverted(v);
-        return LanesOf(ScaledFar(p.x, 0), ScaledFar(p.y, 1), ScaledFar(p.z, 2));
-    });
-    bool far = false;
-    for (int axis = 0; axis < 3; ++axis) {
-        far = far || low[axis] <= -FAR_AWAY || high[axis] >= FAR_AWAY;
-    }
-    return far;
+void PrepareRanges(FlatView& view) {
+    view.low = Words{} + INT16_MIN;
+    view.high = Words{} + INT16_MAX;
+    PrepareRange(view, view.right, view.clip.left - view.centreX, view.clip.right - 1 - view.centreX);
+    PrepareRange(view, view.up, view.centreY - view.clip.bottom + 1, view.centreY - view.clip.top);
 }
 
 PanePoint ToPane(const ModelPoint& p, const FlatView& view) {
@@ -161,39 +95,12 @@ PanePoint ToPane(const ModelPoint& p, const FlatView& view) {
             view.centreY - ViewScaled(axes[view.up], view.up)};
 }
 
-// Lines whose ends lie beyond what the fast projection holds.
-void DrawFarOutline(const PolygonRecord& polygon, const FlatView& view, std::uint8_t colour) {
-    const auto vertices = polygon.Vertices();
-    PanePoint previous = ToPane(ViewConverted(vertices.back()), view);
-    for (const VertexRecord& vertex : vertices) {
-        const PanePoint next = ToPane(ViewConverted(vertex), view);
-        DrawLine(ViewFrame, view.clip, previous, next, colour);
-        previous = next;
+Lanes Scaled(Lanes coordinates, Lanes middle) {
+    const Lanes difference = coordinates - middle;
+    if (path == Path::Enlarge) {
+        return difference * factor;
     }
-}
-
-void DrawOutline(std::size_t count, const FlatView& view, std::uint8_t colour) {
-    const std::int32_t left = view.centreX + low[view.right], right = view.centreX + high[view.right];
-    const std::int32_t top = view.centreY - high[view.up], bottom = view.centreY - low[view.up];
-    if (right < view.clip.left || left >= view.clip.right || bottom < view.clip.top ||
-        top >= view.clip.bottom) {
-        return;
-    }
-    const bool inside = left >= view.clip.left && right < view.clip.right && top >= view.clip.top &&
-                        bottom < view.clip.bottom;
-    std::int32_t x0 = view.centreX + points[count - 1][view.right];
-    std::int32_t y0 = view.centreY - points[count - 1][view.up];
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::int32_t x1 = view.centreX + points[i][view.right];
-        const std::int32_t y1 = view.centreY - points[i][view.up];
-        if (inside) {
-            DrawLineInside(ViewFrame, x0, y0, x1, y1, colour);
-        } else {
-            DrawLine(ViewFrame, view.clip, {x0, y0}, {x1, y1}, colour);
-        }
-        x0 = x1;
-        y0 = y1;
-    }
+    return __builtin_convertvector(__builtin_convertvector(difference, Floats) * inverse, Lanes);
 }
 
 // Vertex marks and vectors of one polygon in one view.
@@ -211,6 +118,96 @@ void DrawMarks(const PolygonRecord& polygon, const FlatView& view, std::uint8_t 
     if (ViewState.visiblePolyVector != 0) {
         DrawVector(view.clip, ToPane(MiddleOf(polygon), view), polygon.normal[view.right],
                    polygon.normal[view.up]);
+    }
+}
+
+// The pixels from the views' centres of every vertex of a polygon.
+void ScaleAll(const PolygonRecord& polygon) {
+    const std::int32_t count = polygon.vers;
+    for (std::int32_t i = 0; path == Path::Careful && i < count; ++i) {
+        const ModelPoint p = ViewConverted(polygon.vertex[i]);
+        pixels[0][i] = ViewScaled(p.x, 0);
+        pixels[1][i] = ViewScaled(p.y, 1);
+        pixels[2][i] = ViewScaled(p.z, 2);
+    }
+    for (std::int32_t i = 0; path != Path::Careful && i < count; i += LANES) {
+        const AxisLanes lanes(Corners(polygon.vertex + i, count - i));
+        for (int axis = 0; axis < 3; ++axis) {
+            const Lanes scaled = Scaled(lanes.axis[axis], centre[axis]);
+            for (int k = 0; k < LANES; ++k) {
+                pixels[axis][i + k] = scaled[k];
+            }
+        }
+    }
+}
+
+// True when something of a polygon of any number of vertices can lie in a view.
+bool CanShow(const PolygonRecord& polygon, const FlatView& view) {
+    if (path == Path::Careful) {
+        return true;
+    }
+    Words least = WordsOf(polygon.vertex[0]), most = least;
+    for (const VertexRecord& vertex : polygon.Vertices().subspan(1)) {
+        least = Least(least, WordsOf(vertex));
+        most = Most(most, WordsOf(vertex));
+    }
+    return !Any((most < view.low) | (least > view.high));
+}
+
+// Any number of vertices and any setting.
+void DrawOutline(const PolygonRecord& polygon, std::uint8_t colour, bool marked) {
+    const std::int32_t count = polygon.vers;
+    bool ready = false;
+    for (int i = 0; i < viewCount; ++i) {
+        const FlatView& view = views[i];
+        if (CanShow(polygon, view)) {
+            if (!ready) {
+                ScaleAll(polygon);
+                ready = true;
+            }
+            const std::int64_t* const right = pixels[view.right];
+            const std::int64_t* const up = pixels[view.up];
+            PanePoint previous{view.centreX + right[count - 1], view.centreY - up[count - 1]};
+            for (std::int32_t k = 0; k < count; ++k) {
+                const PanePoint next{view.centreX + right[k], view.centreY - up[k]};
+                DrawLine(ViewFrame, view.clip, previous, next, colour);
+                previous = next;
+            }
+        }
+        if (marked) {
+            DrawMarks(polygon, view, colour);
+        }
+    }
+}
+
+// Up to four vertices, by a fast path, in the views that show something of it.
+void DrawQuads(const PolygonRecord& polygon, std::uint8_t colour, bool marked) {
+    const Corners corners(polygon.vertex, polygon.vers);
+    const Words* const c = corners.corner;
+    const Words least = Least(Least(c[0], c[1]), Least(c[2], c[3]));
+    const Words most = Most(Most(c[0], c[1]), Most(c[2], c[3]));
+    Lanes scaled[3];
+    bool ready = false;
+    for (int i = 0; i < viewCount; ++i) {
+        const FlatView& view = views[i];
+        if (!Any((most < view.low) | (least > view.high))) {
+            if (!ready) {
+                const AxisLanes lanes(corners);
+                for (int axis = 0; axis < 3; ++axis) {
+                    scaled[axis] = Scaled(lanes.axis[axis], centre[axis]);
+                }
+                ready = true;
+            }
+            const Lanes x = view.centreX + scaled[view.right], y = view.centreY - scaled[view.up];
+            if (!Any((least < view.low) | (most > view.high))) {
+                DrawQuadInside(ViewFrame, x, y, colour);
+            } else {
+                DrawQuad(ViewFrame, view.clip, x, y, colour);
+            }
+        }
+        if (marked) {
+            DrawMarks(polygon, view, colour);
+        }
     }
 }
 
@@ -259,15 +256,19 @@ void FlatPrepare(std::int32_t mask) {
     marking = (ViewState.visibleVertex | ViewState.visibleVector | ViewState.visiblePolyVector) != 0;
     const bool simple = !ViewState.converting && IsNear(ViewState.centre);
     path = Path::Careful;
-    if (simple && ViewState.denominator == 1 && ViewState.numerator <= ENLARGE_MOST) {
-        path = Path::Enlarge;
-        factor = LanesOf(ViewState.numerator, ViewState.numerator, ViewState.numerator);
-    } else if (simple && ViewState.numerator == 1 && ViewState.denominator <= REDUCE_MOST) {
+    if (simple && ViewState.numerator == 1 && ViewState.denominator <= REDUCE_MOST) {
         path = Path::Reduce;
         inverse = RoundedUpInverse(ViewState.denominator);
+    } else if (simple && ViewState.denominator == 1 && ViewState.numerator <= ENLARGE_MOST) {
+        path = Path::Enlarge;
+        factor = Every(ViewState.numerator);
     }
-    centre = LanesOf(ViewState.centre.x, ViewState.centre.y, ViewState.centre.z);
-    PrepareRange();
+    centre[0] = Every(ViewState.centre.x);
+    centre[1] = Every(ViewState.centre.y);
+    centre[2] = Every(ViewState.centre.z);
+    if (path != Path::Careful) {
+        std::for_each(views, views + viewCount, PrepareRanges);
+    }
 }
 
 void FlatGround() {
@@ -284,22 +285,15 @@ void FlatGround() {
 }
 
 void FlatPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks) {
-    const bool marked = marking && marks == Marks::AsSet;
-    // A conversion moves polygons anywhere, and a vector reaches 20 pixels out of its polygon.
-    if (viewCount == 0 || (!ViewState.converting && !marked && IsOutside(polygon))) {
+    if (viewCount == 0) {
         return;
     }
-    const bool far = Project(polygon);
-    for (int i = 0; i < viewCount; ++i) {
-        if (far) {
-            DrawFarOutline(polygon, views[i], colour);
-        } else {
-            DrawOutline(static_cast<std::size_t>(polygon.vers), views[i], colour);
-        }
-        if (marked) {
-            DrawMarks(polygon, views[i], colour);
-        }
+    const bool marked = marking && marks == Marks::AsSet;
+    if (path != Path::Careful && polygon.vers <= LANES) {
+        DrawQuads(polygon, colour, marked);
+        return;
     }
+    DrawOutline(polygon, colour, marked);
 }
 
 }  // namespace quelmark

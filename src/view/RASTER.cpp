@@ -35,6 +35,7 @@ constexpr int SLOPE_BITS = 48;
 constexpr std::uint64_t HALF_STEP = std::uint64_t{1} << (SLOPE_BITS - 1);
 constexpr std::int64_t STEPS_MOST = 8192;
 constexpr std::size_t TABLED_STEPS = 1024;
+constexpr std::int32_t FILL_LEAST = 16;  // pixels of a horizontal line that are worth a call
 
 constexpr std::uint64_t RoundedUpInverse(std::uint64_t length) {
     return ((std::uint64_t{1} << SLOPE_BITS) + length - 1) / length;
@@ -52,15 +53,29 @@ std::uint64_t SlopeOf(std::uint64_t rise, std::uint64_t length) {
     return rise * (length < TABLED_STEPS ? INVERSES[length] : RoundedUpInverse(length));
 }
 
-// `count` pixels from a place on the line on, `position` steps across in fixed point from where `base` is. No
-// pixel waits for the one before it.
+// `count` pixels, at least one, from a place on the line on, `position` steps across in fixed point from
+// where `base` is. No pixel waits for the one before it. Pixels go in fours, the last of them again where
+// fewer are left: short lines then have no loop whose end is a guess. Exclusive-or has each pixel once.
 template <Ink ink>
 void RunBySlope(std::uint8_t* base, std::int64_t count, std::ptrdiff_t along, std::ptrdiff_t across,
                 std::uint64_t position, std::uint64_t slope, std::uint8_t colour) {
-    for (; count > 0; --count) {
-        Put<ink>(base + static_cast<std::ptrdiff_t>(position >> SLOPE_BITS) * across, colour);
-        position += slope;
-        base += along;
+    const auto at = [&](std::int64_t step) {
+        const std::uint64_t there = position + static_cast<std::uint64_t>(step) * slope;
+        return base + step * along + static_cast<std::ptrdiff_t>(there >> SLOPE_BITS) * across;
+    };
+    constexpr std::int64_t AT_ONCE = ink == Ink::Xor ? 1 : 4;
+    for (; count > AT_ONCE; count -= AT_ONCE) {
+        for (std::int64_t step = 0; step < AT_ONCE; ++step) {
+            Put<ink>(at(step), colour);
+        }
+        position += AT_ONCE * slope;
+        base += AT_ONCE * along;
+    }
+    Put<ink>(base + static_cast<std::ptrdiff_t>(position >> SLOPE_BITS) * across, colour);
+    if constexpr (AT_ONCE > 1) {
+        Put<ink>(at(std::min<std::int64_t>(1, count - 1)), colour);
+        Put<ink>(at(std::min<std::int64_t>(2, count - 1)), colour);
+        Put<ink>(at(count - 1), colour);
     }
 }
 
@@ -184,6 +199,31 @@ void DrawAny(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint b
     DrawMajor<ink, Wide>(frame, clip, a, b, steep, colour);
 }
 
+// A line within the frame, from a point on. What depends on its direction is chosen without a branch, since
+// directions follow no pattern.
+inline void DrawInside(FrameBuffer& frame, std::int32_t x, std::int32_t y, std::int32_t dx, std::int32_t dy,
+                       std::uint8_t colour) {
+    const std::int32_t width = std::abs(dx), height = std::abs(dy);
+    const std::int32_t length = std::max(width, height), rise = std::min(width, height);
+    if (length > STEPS_MOST) {
+        return DrawLine(frame, frame.Bounds(), {x, y}, {x + dx, y + dy}, colour);
+    }
+    const bool steep = height > width;
+    // From the smaller end of the major axis on; the other axis then goes with the product's sign.
+    const std::int32_t back = (steep ? dy : dx) >> 31;
+    const std::ptrdiff_t stride = frame.stride;
+    std::uint8_t* const pixel = frame.Row(y + (dy & back)) + (x + (dx & back));
+    const std::ptrdiff_t along = steep ? stride : 1;
+    const std::ptrdiff_t turn = (dx ^ dy) >> 31;
+    const std::ptrdiff_t across = ((stride + 1 - along) ^ turn) - turn;
+    if (height == 0 && width >= FILL_LEAST) {
+        std::memset(pixel, colour, static_cast<std::size_t>(width) + 1);
+        return;
+    }
+    const std::uint64_t slope = SlopeOf(static_cast<std::uint64_t>(rise), static_cast<std::uint64_t>(length));
+    RunBySlope<Ink::Set>(pixel, length + 1, along, across, HALF_STEP, slope, colour);
+}
+
 bool Inside(const PixelRect& rect, const PanePoint& point) {
     return point.x >= rect.left && point.x < rect.right && point.y >= rect.top && point.y < rect.bottom;
 }
@@ -222,30 +262,33 @@ void FillRect(FrameBuffer& frame, const PixelRect& wanted, std::uint8_t colour, 
 
 void DrawLineInside(FrameBuffer& frame, std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1,
                     std::uint8_t colour) {
-    const std::int32_t width = std::abs(x1 - x0);
-    const std::int32_t height = std::abs(y1 - y0);
-    const bool steep = height > width;
-    if (steep ? y0 > y1 : x0 > x1) {
-        std::swap(x0, x1);
-        std::swap(y0, y1);
-    }
-    const std::ptrdiff_t stride = frame.stride;
-    std::uint8_t* const pixel = frame.Row(y0) + x0;
-    const std::int32_t length = steep ? height : width;
-    if (!steep && height == 0) {
-        std::memset(pixel, colour, static_cast<std::size_t>(width) + 1);
+    DrawInside(frame, x0, y0, x1 - x0, y1 - y0, colour);
+}
+
+void DrawQuadInside(FrameBuffer& frame, Lanes x, Lanes y, std::uint8_t colour) {
+    const Lanes dx = __builtin_shufflevector(x, x, 1, 2, 3, 0) - x;
+    const Lanes dy = __builtin_shufflevector(y, y, 1, 2, 3, 0) - y;
+    // A line to one of the eight neighbours is its ends.
+    if (!Any((dx > 1) | (dx < -1) | (dy > 1) | (dy < -1))) {
+        for (int i = 0; i < LANES; ++i) {
+            frame.Row(y[i])[x[i]] = colour;
+        }
         return;
     }
-    if (length > STEPS_MOST) {
-        DrawLine(frame, frame.Bounds(), {x0, y0}, {x1, y1}, colour);
+    for (int i = 0; i < LANES; ++i) {
+        DrawInside(frame, x[i], y[i], dx[i], dy[i], colour);
+    }
+}
+
+void DrawQuad(FrameBuffer& frame, const PixelRect& clip, Lanes x, Lanes y, std::uint8_t colour) {
+    const Lanes left = x < clip.left, right = x >= clip.right, above = y < clip.top, below = y >= clip.bottom;
+    if (!Any(left | right | above | below)) {
+        DrawQuadInside(frame, x, y, colour);
         return;
     }
-    const std::uint64_t slope =
-        SlopeOf(static_cast<std::uint64_t>(steep ? width : height), static_cast<std::uint64_t>(length));
-    if (steep) {
-        RunBySlope<Ink::Set>(pixel, length + 1, stride, x1 < x0 ? -1 : 1, HALF_STEP, slope, colour);
-    } else {
-        RunBySlope<Ink::Set>(pixel, length + 1, 1, y1 < y0 ? -stride : stride, HALF_STEP, slope, colour);
+    for (int i = 0; i < LANES; ++i) {
+        const int next = (i + 1) % LANES;
+        DrawLine(frame, clip, {x[i], y[i]}, {x[next], y[next]}, colour);
     }
 }
 

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "view/LANES.h"
+
 namespace quelmark {
 
 // Half-open: right and bottom lie outside.
@@ -50,6 +52,11 @@ void DrawLine(FrameBuffer& frame, const PixelRect& clip, PanePoint a, PanePoint 
 // The same for a line that lies within the frame altogether.
 void DrawLineInside(FrameBuffer& frame, std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1,
                     std::uint8_t colour);
+
+// The closed outline of four points, inside `clip`; the points lie within ±2^29.
+void DrawQuad(FrameBuffer& frame, const PixelRect& clip, Lanes x, Lanes y, std::uint8_t colour);
+// The same for one that lies within the frame altogether.
+void DrawQuadInside(FrameBuffer& frame, Lanes x, Lanes y, std::uint8_t colour);
 
 // What the palette's entries look like as 32-bit pixels.
 using FramePalette = std::array<std::uint32_t, 16>;
