@@ -215,8 +215,10 @@ void WalkBare() {
 }
 
 void CopyFrame() {
-    std::memcpy(plain.data(), ViewFrame.pixels.data(), plain.size());
-    seen += plain[700];
+    static std::vector<std::uint8_t> copy;
+    copy.resize(ViewFrame.pixels.size());
+    std::memcpy(copy.data(), ViewFrame.pixels.data(), copy.size());
+    seen += copy[700];
 }
 
 // ---- redraws ----

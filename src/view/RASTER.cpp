@@ -26,6 +26,8 @@ void Put(std::uint8_t* pixel, std::uint8_t colour) {
     }
 }
 
+constexpr std::int32_t CACHE_LINE = 64;
+
 // ---- stepping by a fixed-point slope ----
 
 // A line of up to STEPS_MOST steps goes across by floor(k · rise / length + 1/2) at step k. With the slope
@@ -224,6 +226,75 @@ inline void DrawInside(FrameBuffer& frame, std::int32_t x, std::int32_t y, std::
     RunBySlope<Ink::Set>(pixel, length + 1, along, across, HALF_STEP, slope, colour);
 }
 
+// ---- four lines at once ----
+
+Lanes Following(Lanes v) {
+    return __builtin_shufflevector(v, v, 1, 2, 3, 0);
+}
+Lanes Magnitude(Lanes v) {
+    return (v ^ (v >> 31)) - (v >> 31);
+}
+Lanes Chosen(Lanes mask, Lanes yes, Lanes no) {
+    return (yes & mask) | (no & ~mask);
+}
+
+// The lines from each corner of a quad within the frame to the next, prepared like one line of DrawInside.
+// Offsets are from the frame's first pixel.
+struct QuadLines {
+    Lanes corner;         // offsets of the corners
+    Lanes start, end;     // offsets, along the major axis
+    Lanes length, rise;   // length >= rise
+    Lanes along, across;  // offsets of a step
+
+    QuadLines(std::int32_t stride, Lanes corners, Lanes dx, Lanes dy) : corner(corners) {
+        const Lanes width = Magnitude(dx), height = Magnitude(dy);
+        const Lanes steep = height > width;
+        length = Chosen(steep, height, width);
+        rise = Chosen(steep, width, height);
+        const Lanes back = Chosen(steep, dy, dx) >> 31;
+        start = Chosen(back, Following(corner), corner);
+        end = Chosen(back, corner, Following(corner));
+        along = Chosen(steep, Every(stride), Every(1));
+        const Lanes turn = (dx ^ dy) >> 31;
+        across = (Chosen(steep, Every(1), Every(stride)) ^ turn) - turn;
+    }
+};
+
+void PutFour(FrameBuffer& frame, Lanes offsets, std::uint8_t colour) {
+    std::uint8_t* const first = frame.pixels.data();
+    for (int i = 0; i < LANES; ++i) {
+        first[offsets[i]] = colour;
+    }
+}
+
+// Lines of no more than SHORT steps have at most two pixels between their ends. The one after the start goes
+// across when the rise is at least half the length, the one before the end of three steps likewise; a line
+// that lacks one draws a corner again.
+constexpr std::int32_t SHORT = 3;
+
+void DrawShort(FrameBuffer& frame, const QuadLines& lines, std::uint8_t colour) {
+    const Lanes step = lines.along + (lines.across & (lines.rise + lines.rise >= lines.length));
+    PutFour(frame, lines.corner, colour);
+    PutFour(frame, lines.start + (step & (lines.length > 1)), colour);
+    if (Any(lines.length == SHORT)) {
+        PutFour(frame, lines.end - (step & (lines.length == SHORT)), colour);
+    }
+}
+
+void DrawEach(FrameBuffer& frame, const QuadLines& lines, std::uint8_t colour) {
+    for (int i = 0; i < LANES; ++i) {
+        const std::int32_t length = lines.length[i], rise = lines.rise[i];
+        std::uint8_t* const pixel = frame.pixels.data() + lines.start[i];
+        if (length >= FILL_LEAST && rise == 0 && lines.along[i] == 1) {
+            std::memset(pixel, colour, static_cast<std::size_t>(length) + 1);
+            continue;
+        }
+        const std::uint64_t slope =
+            SlopeOf(static_cast<std::uint64_t>(rise), static_cast<std::uint64_t>(length));
+        RunBySlope<Ink::Set>(pixel, length + 1, lines.along[i], lines.across[i], HALF_STEP, slope, colour);
+    }
+}
+
 bool Inside(const PixelRect& rect, const PanePoint& point) {
     return point.x >= rect.left && point.x < rect.right && point.y >= rect.top && point.y < rect.bottom;
 }
@@ -238,7 +309,8 @@ PixelRect Intersection(const PixelRect& a, const PixelRect& b) {
 void FrameBuffer::Resize(std::int32_t newWidth, std::int32_t newHeight) {
     width = newWidth;
     height = newHeight;
-    stride = newWidth;
+    // An odd number of cache lines, so that the pixels of a column spread over the whole cache.
+    stride = ((newWidth + CACHE_LINE - 1) / CACHE_LINE | 1) * CACHE_LINE;
     pixels.assign(static_cast<std::size_t>(stride) * static_cast<std::size_t>(height), 0);
 }
 
@@ -266,17 +338,23 @@ void DrawLineInside(FrameBuffer& frame, std::int32_t x0, std::int32_t y0, std::i
 }
 
 void DrawQuadInside(FrameBuffer& frame, Lanes x, Lanes y, std::uint8_t colour) {
-    const Lanes dx = __builtin_shufflevector(x, x, 1, 2, 3, 0) - x;
-    const Lanes dy = __builtin_shufflevector(y, y, 1, 2, 3, 0) - y;
+    const Lanes dx = Following(x) - x, dy = Following(y) - y;
+    const Lanes corner = y * frame.stride + x;
     // A line to one of the eight neighbours is its ends.
     if (!Any((dx > 1) | (dx < -1) | (dy > 1) | (dy < -1))) {
-        for (int i = 0; i < LANES; ++i) {
-            frame.Row(y[i])[x[i]] = colour;
-        }
+        PutFour(frame, corner, colour);
         return;
     }
-    for (int i = 0; i < LANES; ++i) {
-        DrawInside(frame, x[i], y[i], dx[i], dy[i], colour);
+    const QuadLines lines(frame.stride, corner, dx, dy);
+    if (!Any(lines.length > SHORT)) {
+        DrawShort(frame, lines, colour);
+    } else if (!Any(lines.length > static_cast<std::int32_t>(STEPS_MOST))) {
+        DrawEach(frame, lines, colour);
+    } else {
+        for (int i = 0; i < LANES; ++i) {
+            const int next = (i + 1) % LANES;
+            DrawLineInside(frame, x[i], y[i], x[next], y[next], colour);
+        }
     }
 }
 

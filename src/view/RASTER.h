@@ -30,7 +30,7 @@ struct PanePoint {
 };
 inline constexpr std::int64_t PANE_MOST = std::int64_t{1} << 60;
 
-// Pixels row by row, one palette index each; `stride` bytes a row.
+// Pixels row by row, one palette index each; rows are `stride` bytes apart, with unused ones between.
 struct FrameBuffer {
     std::int32_t width = 0, height = 0, stride = 0;
     std::vector<std::uint8_t> pixels;

@@ -231,8 +231,10 @@ void ConsoleWindow::Shot(const SessionEvent& event) const {
         RefuseEvent(event, "the file cannot be written");
     }
     std::fprintf(file.get(), "P6\n%d %d\n255\n", ViewFrame.width, ViewFrame.height);
-    for (const std::uint8_t pixel : ViewFrame.pixels) {
-        std::fwrite(palette_[pixel & 15], 1, 3, file.get());
+    for (std::int32_t y = 0; y < ViewFrame.height; ++y) {
+        for (std::int32_t x = 0; x < ViewFrame.width; ++x) {
+            std::fwrite(palette_[ViewFrame.Row(y)[x] & 15], 1, 3, file.get());
+        }
     }
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <random>
 #include <set>
@@ -71,10 +72,46 @@ TEST(Lines, FarEndsStayInsideAndOnTheTrueLine) {
     EXPECT_EQ(frame.Row(100)[100], 1);
 }
 
+TEST(Lines, AQuadHasThePixelsOfItsFourLines) {
+    std::mt19937 random(9);
+    FrameBuffer quad, lines;
+    quad.Resize(300, 300);
+    lines.Resize(300, 300);
+    for (int round = 0; round < 20000; ++round) {
+        // From single pixels to corners far outside.
+        const int size = 1 << round % 11;
+        const int left = static_cast<int>(random() % 280), top = static_cast<int>(random() % 280);
+        const auto near = [&](int from) {
+            return from + static_cast<int>(random() % static_cast<unsigned>(size));
+        };
+        const Lanes x{near(left), near(left), near(left), near(left)};
+        const Lanes y{near(top), near(top), near(top), near(top)};
+        const PixelRect clip{round % 7 * 10, round % 5 * 10, 300 - round % 3 * 10, 300 - round % 11 * 5};
+        const auto colour = static_cast<std::uint8_t>(1 + round % 15);
+        DrawQuad(quad, clip, x, y, colour);
+        for (int i = 0; i < 4; ++i) {
+            const int next = (i + 1) % 4;
+            DrawLine(lines, clip, {x[i], y[i]}, {x[next], y[next]}, colour);
+        }
+        ASSERT_EQ(quad.pixels, lines.pixels) << round;
+    }
+}
+TEST(Lines, AQuadAcrossAWideFrameHasThePixelsOfItsFourLines) {
+    FrameBuffer quad, lines;
+    quad.Resize(16000, 20);
+    lines.Resize(16000, 20);
+    const Lanes x{3, 15990, 12000, 7}, y{1, 3, 19, 2};
+    DrawQuad(quad, quad.Bounds(), x, y, 5);
+    for (int i = 0; i < 4; ++i) {
+        const int next = (i + 1) % 4;
+        DrawLine(lines, lines.Bounds(), {x[i], y[i]}, {x[next], y[next]}, 5);
+    }
+    EXPECT_EQ(quad.pixels, lines.pixels);
+}
 TEST(Frame, ExpandsEveryPixelOfAnAreaAndNoOther) {
     std::mt19937 random(5);
     FrameBuffer frame;
-    frame.Resize(37, 9);
+    frame.Resize(737, 9);
     for (std::uint8_t& pixel : frame.pixels) {
         pixel = static_cast<std::uint8_t>(random() % 256);
     }
@@ -83,9 +120,9 @@ TEST(Frame, ExpandsEveryPixelOfAnAreaAndNoOther) {
         entry = static_cast<std::uint32_t>(random()) | 1;
     }
     for (int round = 0; round < 200; ++round) {
-        const int l = static_cast<int>(random() % 38), r = static_cast<int>(random() % 38);
+        const int l = static_cast<int>(random() % 738), r = static_cast<int>(random() % 738);
         const PixelRect area{std::min(l, r), round % 3, std::max(l, r), 9 - round % 5};
-        constexpr int STRIDE = 40;
+        constexpr int STRIDE = 740;
         std::vector<std::uint32_t> picture(static_cast<std::size_t>(STRIDE) * 9, 0), wanted = picture;
         for (int y = area.top; y < area.bottom; ++y) {
             for (int x = area.left; x < area.right; ++x) {
@@ -359,6 +396,50 @@ TEST_F(View3D, APickFindsTheNearestOutline) {
     Triangle(0, 0, 0, -50, 0, 0, 0, -50, 0);
     EXPECT_EQ(ViewPick(200 + 30, 150 + 2, 12), PolygonTop());
     EXPECT_EQ(ViewPick(200 + 120, 150 - 120, 12), nullptr);
+}
+TEST_F(View3D, ACornerGivenTwiceChangesNoPixel) {
+    std::mt19937 random(4);
+    const auto within = [&](int most) {
+        return static_cast<int>(random() % static_cast<unsigned>(2 * most + 1)) - most;
+    };
+    for (int round = 0; round < 200; ++round) {
+        ViewState.centre = {within(300), within(300), within(300)};
+        const int zoom = round % 4 == 0 ? 1 + round % 120 : -1 - round % 40;
+        ViewSetZoom(zoom, 0);
+        Matrix m = UNIT_MATRIX;
+        for (auto& row : m.row) {
+            for (float& element : row) {
+                element = static_cast<float>(within(1000)) / 1000;
+            }
+        }
+        m.row[3][0] = static_cast<float>(within(9000));
+        ViewSetPerspective(m);
+        std::vector<std::array<VertexRecord, 4>> quads(30);
+        for (auto& quad : quads) {
+            const int size = 1 + static_cast<int>(random() % 3000);
+            for (VertexRecord& v : quad) {
+                v = {};
+                v.x = static_cast<std::int16_t>(within(size));
+                v.y = static_cast<std::int16_t>(within(size) + 100);
+                v.z = static_cast<std::int16_t>(within(size));
+            }
+        }
+        const auto picture = [&](int vertices) {
+            ModelExit();
+            ModelInit(1 << 20, 8, 8, 100);
+            AttrAlloc("a");
+            for (const auto& quad : quads) {
+                CurrentPolygon->vers = static_cast<std::int16_t>(vertices);
+                for (int i = 0; i < vertices; ++i) {
+                    CurrentPolygon->vertex[i] = quad[static_cast<std::size_t>(std::min(i, 3))];
+                }
+                PolygonAppend(0);
+            }
+            ViewRedraw(WHOLE_AREA, true);
+            return ViewFrame.pixels;
+        };
+        ASSERT_EQ(picture(4), picture(5)) << round;
+    }
 }
 TEST_F(View3D, ExtremesNeverLeaveTheFrame) {
     std::mt19937 random(3);
