@@ -28,6 +28,8 @@
 namespace quelmark {
 namespace {
 
+constexpr const char* ROW_LABEL = "row label";
+
 using TakeAnswer = std::function<void()>;
 using Changed = std::function<void()>;
 
@@ -37,6 +39,23 @@ QLabel* AddLabel(QHBoxLayout& line, const std::string& text) {
     label->setText(ToText(text));
     line.addWidget(label);
     return label;
+}
+
+// The label before a control.
+void AddRowLabel(QHBoxLayout& line, const DialogRow& row) {
+    AddLabel(line, row.label)->setObjectName(ROW_LABEL);
+}
+
+// One width for all of them, so that the controls stand in a column.
+void AlignLabels(const QWidget& rows) {
+    const QList<QLabel*> labels = rows.findChildren<QLabel*>(ROW_LABEL);
+    int width = 0;
+    for (const QLabel* label : labels) {
+        width = std::max(width, label->sizeHint().width());
+    }
+    for (QLabel* label : labels) {
+        label->setMinimumWidth(width);
+    }
 }
 
 // Why scripts cannot have a text; "" when they can.
@@ -85,11 +104,12 @@ void AddBrowseButton(QHBoxLayout& line, QLineEdit* field, const DialogRow& row) 
 }
 
 TakeAnswer AddField(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
-    AddLabel(line, row.label);
+    AddRowLabel(line, row);
     auto* field = new QLineEdit(ToText(row.text));
+    line.addWidget(field);  // from here on it has the dialog's font
     const int width = std::clamp(row.width, 1, 80);
-    field->setMinimumWidth(QFontMetrics(field->font()).horizontalAdvance(QLatin1Char('0')) * width);
-    line.addWidget(field);
+    const int frame = field->minimumSizeHint().width();
+    field->setMinimumWidth(QFontMetrics(field->font()).horizontalAdvance(QLatin1Char('0')) * width + frame);
     RefuseFaultyText(field);
     if (!row.filters.empty()) {
         AddBrowseButton(line, field, row);
@@ -104,7 +124,7 @@ TakeAnswer AddField(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
 }
 
 TakeAnswer AddToggle(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
-    AddLabel(line, row.label);
+    AddRowLabel(line, row);
     auto* box = new QCheckBox(ToLabel(row.caption));
     box->setChecked(row.value != 0);
     line.addWidget(box);
@@ -113,7 +133,7 @@ TakeAnswer AddToggle(QHBoxLayout& line, DialogRow& row, const Changed& changed) 
 }
 
 TakeAnswer AddSelection(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
-    AddLabel(line, row.label);
+    AddRowLabel(line, row);
     auto* list = new QComboBox;
     for (const std::string& choice : row.choices) {
         list->addItem(ToText(choice));
@@ -125,7 +145,7 @@ TakeAnswer AddSelection(QHBoxLayout& line, DialogRow& row, const Changed& change
 }
 
 TakeAnswer AddSlider(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
-    AddLabel(line, row.label);
+    AddRowLabel(line, row);
     auto* slider = new QSlider(Qt::Horizontal);
     slider->setRange(row.lower, std::max(row.lower, row.upper));
     slider->setSingleStep(std::max(row.step, 1));
@@ -133,13 +153,13 @@ TakeAnswer AddSlider(QHBoxLayout& line, DialogRow& row, const Changed& changed) 
     slider->setValue(row.value);
     line.addWidget(slider);
     auto* number = new QLabel;
+    line.addWidget(number);
     const auto show = [number](int value) { number->setText(QString::asprintf("%6d", value)); };
     for (const int end : {slider->minimum(), slider->maximum()}) {
         show(end);
         number->setMinimumWidth(std::max(number->minimumWidth(), number->sizeHint().width()));
     }
     show(slider->value());
-    line.addWidget(number);
     QObject::connect(slider, &QSlider::valueChanged, number, show);
     QObject::connect(slider, &QSlider::valueChanged, slider, changed);
     return [slider, &row] { row.value = slider->value(); };
@@ -202,7 +222,9 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
                          const std::function<void(std::int32_t row)>& changed) {
     QDialog shown(parent);
     shown.setWindowTitle(ToText(dialog.title));
+    shown.setFont(parent->font());
     auto* rows = new QWidget;
+    rows->setFont(shown.font());
     auto* lines = new QVBoxLayout(rows);
     lines->setContentsMargins(0, 0, 0, 0);
     std::ranges::stable_sort(dialog.rows, {}, &DialogRow::row);
@@ -217,6 +239,7 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
         }));
         line->addStretch();
     }
+    AlignLabels(*rows);
     auto* whole = new QVBoxLayout(&shown);
     QWidget* buttons = MakeButtons(shown, dialog);
     whole->addWidget(new QtRowArea(rows, RoomForRows(shown, *buttons)));

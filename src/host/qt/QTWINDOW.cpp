@@ -64,6 +64,17 @@ void PaintEdge(QPainter& painter, const QRect& place, const QColor& light, const
     painter.fillRect(QRect(place.right(), place.top(), 1, place.height()), shadow);
 }
 
+// Small enough for a label to fit on a button, as far as it can still be read.
+QFont LabelFont(const QFont& font, const QString& label) {
+    constexpr int LEAST = 8;
+    constexpr int ROOM = BUTTON_SIZE - 2;
+    QFont fitting = font;
+    while (fitting.pixelSize() > LEAST && QFontMetrics(fitting).horizontalAdvance(label) > ROOM) {
+        fitting.setPixelSize(fitting.pixelSize() - 1);
+    }
+    return fitting;
+}
+
 QElapsedTimer& Clock() {
     static QElapsedTimer clock;
     return clock;
@@ -181,8 +192,8 @@ bool QtWindow::event(QEvent* event) {
 void QtWindow::ShowTip(const QHelpEvent& event) {
     const QPoint place = CellOfPointer(event.pos());
     const std::string tip = hosted_ ? PaneTip(place.x(), place.y()) : "";
-    // As rich text, so that no name is taken for mark-up.
-    const QString text = "<qt>" + ToText(tip).toHtmlEscaped() + "</qt>";
+    // As rich text, so that no name is taken for mark-up; in one line, with its blanks.
+    const QString text = "<p style='white-space:pre'>" + ToText(tip).toHtmlEscaped() + "</p>";
     QToolTip::showText(event.globalPos(), tip.empty() ? QString() : text, this);
 }
 
@@ -480,7 +491,6 @@ void QtWindow::PaintButtons(QPainter& painter) {
         return;
     }
     painter.setClipRect(panel);
-    painter.setFont(labelFont_);
     painter.fillRect(panel, Entry(PANE_HIGHLIGHT));
     for (const ButtonFace& face : ButtonFaces()) {
         const QRect place = ToRect(face.rect);
@@ -491,7 +501,11 @@ void QtWindow::PaintButtons(QPainter& painter) {
         const QColor ink = face.enabled ? QColor(Qt::black) : Entry(FRAME_COLOUR);
         painter.setPen(ink);
         if (!face.picture) {
-            painter.drawText(place.translated(shift, shift), Qt::AlignCenter, ToText(face.label));
+            const QString label = ToText(face.label);
+            painter.setFont(LabelFont(labelFont_, label));
+            painter.setClipRect(place.adjusted(1, 1, -1, -1) & panel);
+            painter.drawText(place.translated(shift, shift), Qt::AlignCenter | Qt::TextDontClip, label);
+            painter.setClipRect(panel);
             continue;
         }
         for (int y = 0; y < 16; ++y) {

@@ -1,0 +1,66 @@
+#!/usr/bin/env bash
+# look.sh QUELMARK: the fields of a dialog stand in a column, in a font whose characters are all of one width; a button's label leaves its
+# edges free; a tip is one line.
+set -u
+program=$(realpath "$1")
+command -v Xvfb >/dev/null && command -v xdotool >/dev/null && command -v import >/dev/null || { echo "Xvfb, xdotool or import is missing"; exit 77; }
+folder=$(mktemp -d)
+Xvfb -displayfd 3 -noreset -screen 0 1100x800x24 3>"$folder/display" 2>/dev/null &
+server=$!
+trap 'kill $server 2>/dev/null; rm -rf "$folder"' EXIT
+for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
+DISPLAY=:$(cat "$folder/display")
+export DISPLAY
+unset QUELMARKINPUT QT_SCALE_FACTOR
+printf 'CodeSize = 64\nGlobal = 128\nFunction = 64\nStack = 1000\nBufferSize = 1024\nSourceFile = look.qms\n' > "$folder/Quelmark.ini"
+{ printf '\xEF\xBB\xBF'; cat <<'QMS'; } > "$folder/look.qms"
+function Ask() {
+    DlogOpen("ask", 4);
+    DlogToggle(0, "", "", OFF);
+    DlogString(1, "a", "iiiiiiiiii", 20);
+    DlogString(2, "長い名前です", "WWWWWWWWWW", 20);
+    DlogSlider(3, "slider", 5, 0, 9, 1);
+    DlogWait();
+}
+KeyEvent(Ask, "a");
+ButtonArea(46);
+function Press(slot) { }
+ButtonTip(CreateButton(2, 2, "WWWW", Press), "a tip of words, more words, still more words, and more");
+QMS
+cd "$folder" || exit 1
+HOME="$folder" MODELPATH="$folder" "$program" >printed 2>/dev/null &
+window=$!
+failures=0
+fail() { echo "$1"; failures=1; }
+settle() { sleep 0.4; }
+# lines GEOMETRY: each line of pixels of the screen's part, RRGGBB separated by blanks
+lines() { import -window root -depth 8 part.ppm; convert part.ppm -crop "$1" +repage part.ppm; convert part.ppm rgb:- | od -An -v -tx1 -w"$((3 * $(identify -format %w part.ppm)))" | sed 's/ \(..\) \(..\) \(..\)/\1\2\3 /g'; }
+
+for _ in $(seq 100); do xdotool search --name '^Quelmark' >/dev/null 2>&1 && break; sleep 0.05; done
+settle
+# The list panel is 79 pixels wide, the window 1024; the face begins at 2, 2 and its last line belongs to the shadow.
+lines 1x19+901+2 > edge
+[ "$(sort -u edge | tr -d ' ')" = ffffff ] || fail "the label lies on the button's edge"
+xdotool mousemove 909 10; sleep 0.1; xdotool mousemove 910 11; sleep 1.3
+lines 1100x200+0+0 > tip
+height=$(awk '{ n = 0; for (i = 1; i <= NF; i++) n += $i == "ffffdc"; if (n > 30) lines++ } END { print lines + 0 }' tip)
+[ "$height" -gt 10 ] && [ "$height" -lt 36 ] || fail "the tip is $height pixels high"
+
+xdotool mousemove 300 300 key a; settle
+dialog=$(xdotool search --name '^ask' | head -1)
+[ -n "$dialog" ] || { echo "no dialog"; kill $window; exit 1; }
+eval "$(xdotool getwindowgeometry --shell "$dialog" | grep -E '^(X|Y|WIDTH|HEIGHT)=')"
+lines "${WIDTH}x$HEIGHT+$X+$Y" > picture
+# Lines through a field are mostly white: where the white begins, and where the text ends.
+awk 'BEGIN { field = 0 }
+     { first = 0; count = 0; last = 0
+       for (i = 1; i <= NF; i++) { if ($i == "ffffff") { count++; if (!first) first = i } if ($i ~ /^[0-9].[0-9].[0-9].$/) last = i }
+       if (count > 60) { begin[first]++; if (last > end[field]) end[field] = last; within = 1 } else if (within) { field++; within = 0 } }
+     END { for (b in begin) if (begin[b] > 5) n++; print n, end[0] + 0, end[1] + 0 }' picture > found
+read -r columns first second < found
+[ "$columns" = 1 ] || fail "the fields begin in $columns columns"
+[ "$first" -gt 0 ] && [ $((second - first)) -le 4 ] && [ $((first - second)) -le 4 ] || fail "narrow and wide characters end at $first and $second"
+xdotool key Escape; settle
+kill $window
+[ $failures -eq 0 ] || [ -z "${KEEP:-}" ] || cp picture found part.ppm edge tip "$KEEP"
+exit $failures
