@@ -56,5 +56,5 @@ try none 40 12
 try all 100 90
 try hidden 100 90
 try full 100 60 BufferSize 8
-try tables 100 90 Attr 3 Object 2
+try tables 100 90 Attr 4 Object 3
 exit $failures

@@ -17,7 +17,7 @@ situation() {
         1) configuration random_session.qms all BufferSize 64 ;;
         2) configuration random_session.qms hidden BufferSize 64 ;;
         3) configuration random_session.qms full BufferSize 16 ;;
-        4) configuration random_session.qms tables BufferSize 64 Attr 4 Object 3 ;;
+        4) configuration random_session.qms tables BufferSize 64 Attr 5 Object 4 ;;
     esac
 }
 situation 1
@@ -61,7 +61,7 @@ session() {
         function key() {
             if (random(3) == 0) return pick("13 8 120 121 122 88 89 90 32774 9")
             key_ = 32 + random(95)
-            if (random(4) == 0) { do key_ = 1 + random(26); while (key_ ~ /^(14|15|17|25|26)$/) }
+            if (random(4) == 0) { do key_ = 1 + random(26); while (key_ ~ /^(14|15|17|19|23|25|26)$/) }
             else if (random(4) == 0) key_ = 32769 + random(10)
             else if (random(4) == 0) key_ = 32784 + random(30)
             return key_
