@@ -3,14 +3,7 @@
 # dialog at once; Shift+Ctrl+Delete stops a handler that never ends, and its error comes when the dialog has closed.
 set -u
 program=$1
-command -v Xvfb >/dev/null && command -v xdotool >/dev/null && command -v import >/dev/null || { echo "Xvfb, xdotool or import is missing"; exit 77; }
-folder=$(mktemp -d)
-Xvfb -displayfd 3 -noreset -screen 0 1400x1000x24 3>"$folder/display" 2>/dev/null &
-server=$!
-trap 'kill $server 2>/dev/null; rm -rf "$folder"' EXIT
-for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
-DISPLAY=:$(cat "$folder/display")
-export DISPLAY
+. "$(dirname "$0")/screen.sh"
 unset QUELMARKINPUT
 printf 'CodeSize = 64\nGlobal = 128\nFunction = 64\nStack = 1000\nBufferSize = 1024\nSourceFile = dialog.qms\n' > "$folder/Quelmark.ini"
 { printf '\xEF\xBB\xBF'; cat <<'QMS'; } > "$folder/dialog.qms"

@@ -3,15 +3,7 @@
 # text that is longer than an answer can be.
 set -u
 program=$(realpath "$1")
-command -v Xvfb >/dev/null && command -v xdotool >/dev/null || { echo "Xvfb or xdotool is missing"; exit 77; }
-folder=$(mktemp -d)
-Xvfb -displayfd 3 -noreset -screen 0 1400x1000x24 3>"$folder/display" 2>/dev/null &
-server=$!
-window=
-trap 'kill $server $window 2>/dev/null; rm -rf "$folder"' EXIT
-for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
-DISPLAY=:$(cat "$folder/display")
-export DISPLAY
+. "$(dirname "$0")/screen.sh"
 unset QUELMARKINPUT
 printf 'SourceFile = t.qms\n' > "$folder/Quelmark.ini"
 printf '\xEF\xBB\xBF%s\n' 'function ask() {

@@ -4,14 +4,8 @@
 set -u
 program=$1
 source=$2
-command -v Xvfb >/dev/null && command -v xdotool >/dev/null || { echo "Xvfb or xdotool is missing"; exit 77; }
-folder=$(mktemp -d)
-Xvfb -displayfd 3 -noreset -screen 0 1400x1000x24 3>"$folder/display" 2>/dev/null &
-server=$!
-trap 'kill $server 2>/dev/null; rm -rf "$folder"' EXIT
-for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
-DISPLAY=:$(cat "$folder/display")
-export DISPLAY LC_ALL=C.UTF-8
+. "$(dirname "$0")/screen.sh"
+export LC_ALL=C.UTF-8
 unset QUELMARKINPUT
 printf 'CodeSize = 64\nGlobal = 128\nFunction = 64\nStack = 1000\nBufferSize = 1024\nSourceFile = drop.qms\n' > "$folder/Quelmark.ini"
 { printf '\xEF\xBB\xBF'; cat <<'QMS'; } > "$folder/drop.qms"

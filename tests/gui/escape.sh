@@ -2,14 +2,7 @@
 # escape.sh QUELMARK: the ESC key, pressed while a large file is being read, ends the reading with its message.
 set -u
 program=$1
-command -v Xvfb >/dev/null && command -v xdotool >/dev/null || { echo "Xvfb or xdotool is missing"; exit 77; }
-folder=$(mktemp -d)
-Xvfb -displayfd 3 -noreset -screen 0 1400x1000x24 3>"$folder/display" 2>/dev/null &
-server=$!
-trap 'kill $server 2>/dev/null; rm -rf "$folder"' EXIT
-for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
-DISPLAY=:$(cat "$folder/display")
-export DISPLAY
+. "$(dirname "$0")/screen.sh"
 unset QUELMARKINPUT
 # Over and over the same polygons of a part, so that the reading lasts for seconds.
 { echo 'obj suf large { atr a'; for _ in $(seq 9000); do echo 'parts part'; done; echo '}'; } > "$folder/large.suf"

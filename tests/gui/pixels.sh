@@ -8,14 +8,8 @@ console=$(realpath "$2")
 sample=$(realpath "$3")
 percent=$4
 cell=$5
-command -v Xvfb >/dev/null && command -v xdotool >/dev/null && command -v import >/dev/null || { echo "Xvfb, xdotool or import is missing"; exit 77; }
-folder=$(mktemp -d)
-Xvfb -displayfd 3 -noreset -screen 0 1500x1200x24 3>"$folder/display" 2>/dev/null &
-server=$!
-trap 'kill $server 2>/dev/null; rm -rf "$folder"' EXIT
-for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
-DISPLAY=:$(cat "$folder/display")
-export DISPLAY
+screen=1500x1200
+. "$(dirname "$0")/screen.sh"
 unset MODELPATH QUELMARKINPUT
 cp "$(dirname "$program")/Quelmark.ini" "$folder/"
 cd "$folder" || exit 1

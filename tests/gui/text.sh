@@ -3,14 +3,7 @@
 # view is redrawn from the background.
 set -u
 program=$(realpath "$1")
-command -v Xvfb >/dev/null && command -v xdotool >/dev/null && command -v import >/dev/null || { echo "Xvfb, xdotool or import is missing"; exit 77; }
-folder=$(mktemp -d)
-Xvfb -displayfd 3 -noreset -screen 0 1400x1000x24 3>"$folder/display" 2>/dev/null &
-server=$!
-trap 'kill $server 2>/dev/null; rm -rf "$folder"' EXIT
-for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
-DISPLAY=:$(cat "$folder/display")
-export DISPLAY
+. "$(dirname "$0")/screen.sh"
 unset QUELMARKINPUT
 mkdir "$folder/home"
 printf 'SourceFile = t.qms\n' > "$folder/home/Quelmark.ini"
