@@ -33,7 +33,7 @@ std::int32_t ExpandPairs(const std::uint8_t* from, std::int32_t count, const Pai
         std::memcpy(&eight, from + x, sizeof eight);
         eight &= 0x0F0F0F0F0F0F0F0FU;
         eight |= eight >> 4U;
-        for (std::int32_t pair = 0; pair < 4; ++pair) {
+        for (std::size_t pair = 0; pair < 4; ++pair) {
             std::memcpy(to + x + 2 * pair, &pairs[eight >> (16 * pair) & 255U], sizeof(PixelPair));
         }
     }

@@ -187,7 +187,7 @@ std::string ConsoleWindow::RunFileDialog(const FileDialog&) {
 }
 
 InputState ConsoleWindow::TakeInput() {
-    const InputState taken = state_;
+    InputState taken = state_;
     state_.keyCode = 0;
     state_.wheel = 0;
     state_.closeRequested = false;

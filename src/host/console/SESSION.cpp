@@ -1,6 +1,7 @@
 #include "host/console/SESSION.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -76,9 +77,9 @@ std::string RestText(std::string_view rest) {
 }
 
 bool ReadForm(const EventForm& form, std::string_view rest, SessionEvent& event) {
-    std::int32_t* const fields[] = {&event.first, &event.second, &event.third};
+    const std::array<std::int32_t*, 3> fields = {&event.first, &event.second, &event.third};
     event.kind = form.kind;
-    for (std::size_t i = 0; i < form.numbers.size(); ++i) {
+    for (std::size_t i = 0; i < std::min(form.numbers.size(), fields.size()); ++i) {
         if (!ReadNumber(TakeWord(rest), *fields[i]) || *fields[i] < form.numbers[i].least ||
             *fields[i] > form.numbers[i].most) {
             return false;
