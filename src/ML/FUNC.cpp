@@ -271,8 +271,9 @@ std::int32_t CallBuiltIn(const Member& member, std::int32_t ident, std::int32_t 
     return NO_RESULT;
 }
 
-std::int32_t CallFunction(std::int32_t ident, std::int32_t argc, DataCell* argv) {
-    const Member& member = MemberFor(ident, argc, argv);
+namespace {
+
+std::int32_t CallMember(const Member& member, std::int32_t ident, std::int32_t argc, DataCell* argv) {
     switch (member.kind) {
         case MemberKind::BuiltIn:
             return CallBuiltIn(member, ident, argc, argv);
@@ -283,18 +284,16 @@ std::int32_t CallFunction(std::int32_t ident, std::int32_t argc, DataCell* argv)
     }
 }
 
+}  // namespace
+
+std::int32_t CallFunction(std::int32_t ident, std::int32_t argc, DataCell* argv) {
+    return CallMember(MemberFor(ident, argc, argv), ident, argc, argv);
+}
+
 std::int32_t CallInherited(std::int32_t classId, std::int32_t ident, std::int32_t argc, DataCell* argv) {
     Check(classId > 0, "classId > 0");
     CheckClass(classId);
-    const Member& member = ClassList[ClassList[classId].parent].members[ident];
-    switch (member.kind) {
-        case MemberKind::BuiltIn:
-            return CallBuiltIn(member, ident, argc, argv);
-        case MemberKind::Script:
-            return ExecCall(*member.script, argc, argv);
-        default:
-            ReportUndefined(ident);
-    }
+    return CallMember(ClassList[ClassList[classId].parent].members[ident], ident, argc, argv);
 }
 
 void PushText(const DataCell& value) {
