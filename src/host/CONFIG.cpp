@@ -15,6 +15,8 @@
 namespace quelmark {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr std::string_view BLANKS = " \t\r\n\v\f";
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
@@ -187,15 +189,19 @@ std::string ConfigValue(std::string_view key) {
 }
 
 bool ConfigWrite(std::string_view key, std::string_view value) {
+    std::string line(key);
+    line += "\t= ";
+    line += value;
+    const auto entry = ConfigSplit(line);
+    if (key.empty() || !entry || entry->key != key || line.find_first_of("\n\0"sv) != std::string::npos) {
+        return false;  // it would be read as something else, or as more than one line
+    }
     const auto path = HostPath(configPath);
     const auto text = path ? ReadHostFile(*path) : std::nullopt;
     if (!text || ::access(path->c_str(), W_OK) != 0) {
         return false;
     }
     const bool utf8 = text->starts_with(BYTE_ORDER_MARK);
-    std::string line(key);
-    line += "\t= ";
-    line += value;
     const std::string_view mark = utf8 ? BYTE_ORDER_MARK : "";
     const std::string changed = std::string(mark) + TextWithEntry(std::string_view(*text).substr(mark.size()),
                                                                   key, utf8 ? Cp932ToUtf8(line) : line, utf8);

@@ -35,8 +35,8 @@ void ConfigKeep(std::string_view path, const std::vector<std::string>& lines);
 // The value of the first entry of that key, "" when there is none.
 std::string ConfigValue(std::string_view key);
 // Writes key and value into the file: replaces the first line of that key, else appends one, through a
-// sibling that replaces the file only when it is complete. False when the file cannot be written; it is then
-// as it was.
+// sibling that replaces the file only when it is complete. False when the file cannot be written, or when the
+// entry could not be read back (a key with a blank or "=", a line feed); the file is then as it was.
 bool ConfigWrite(std::string_view key, std::string_view value);
 
 }  // namespace quelmark

@@ -1,7 +1,7 @@
 // Random calls with wild arguments: whatever a script does, the store keeps its invariants.
 #include <array>
 
-#include "model_fixture.h"
+#include "MODEL/model_fixture.h"
 
 namespace quelmark::test {
 namespace {

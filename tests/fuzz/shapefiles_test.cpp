@@ -2,7 +2,7 @@
 // ends, the buffer's chain of records holds, and every polygon has an attribute and an object.
 #include <random>
 
-#include "reader_fixture.h"
+#include "reader/reader_fixture.h"
 
 namespace quelmark::test {
 namespace {
