@@ -107,6 +107,12 @@ std::int32_t FunctionNameAdd(std::string_view name, std::uint8_t attribute) {
     return IdentAdd(FunctionNames.get(), name, attribute);
 }
 
+bool IsMethodName(std::int32_t ident) {
+    return std::any_of(ClassList + 1, ClassList + MAX_CLASS, [ident](const ClassEntry& entry) {
+        return entry.name != nullptr && entry.members[ident].own;
+    });
+}
+
 void ScriptMemberSet(std::int32_t ident, const ScriptFunction* script) {
     Member member;
     member.kind = MemberKind::Script;

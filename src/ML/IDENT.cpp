@@ -99,6 +99,11 @@ std::int32_t IdentCount(const IdentTable* table) {
     return table == nullptr ? 0 : static_cast<std::int32_t>(table->slots.size());
 }
 
+void IdentMakePrivate(IdentTable* table, std::int32_t id) {
+    Check(table != nullptr && 0 <= id && id < IdentCount(table), "0 <= id && id < table->count");
+    table->slots[static_cast<std::size_t>(id)].attribute |= IDENT_PRIVATE;
+}
+
 void IdentPurgePrivate(IdentTable* table) {
     std::erase_if(table->index, [table](std::int32_t id) {
         Slot& slot = table->slots[static_cast<std::size_t>(id)];

@@ -35,6 +35,8 @@ std::int32_t IdentFind(const IdentTable* table, std::string_view name);
 std::uint8_t IdentAttr(const IdentTable* table, std::int32_t id);
 const char* IdentName(const IdentTable* table, std::int32_t id);
 std::int32_t IdentCount(const IdentTable* table);
+// The name is known in the file being compiled only, from now on.
+void IdentMakePrivate(IdentTable* table, std::int32_t id);
 // Ends the lookup of every private name; ids, storage and code stay.
 void IdentPurgePrivate(IdentTable* table);
 

@@ -36,6 +36,8 @@ void FunctionTablesExit();
 void FunctionTablesSeal();
 // Adds a name to the function table (fatal when full) and returns its id.
 std::int32_t FunctionNameAdd(std::string_view name, std::uint8_t attribute);
+// Some class has a method of this name, which every file must find.
+bool IsMethodName(std::int32_t ident);
 // Makes a global function a script function.
 void ScriptMemberSet(std::int32_t ident, const ScriptFunction* script);
 

@@ -182,6 +182,8 @@ std::int32_t ParseFunctionName(bool isPrivate) {
             FunctionNameAdd(name, static_cast<std::uint8_t>(IDENT_FUNC | (isPrivate ? IDENT_PRIVATE : 0)));
     } else if (ClassList[0].members[ident].kind != MemberKind::Undefined) {
         CompileError("関数 %s が二重定義されています。"_sjis, name.c_str());
+    } else if (isPrivate && !IsMethodName(ident)) {
+        IdentMakePrivate(FunctionNames.get(), ident);  // it was declared ahead without the word
     }
     NextToken();
     return ident;

@@ -107,6 +107,21 @@ TEST_F(Parser, BothPlacesOfPrivateMeanTheSame) {
     EXPECT_EQ(RunMore("function f() { return 3; } print(f());"), "3");
     EXPECT_EQ(RunMore("print(g());"), "! test.qms:1:  Error 識別子 g は定義されていません");
 }
+TEST_F(Parser, PrivateAtTheBodyReachesADeclarationAhead) {
+    Start();
+    EXPECT_EQ(RunMore("function f(); print(1); private function f() { return 1; } print(f());"), "11");
+    EXPECT_EQ(RunMore("print(f());"), "! test.qms:1:  Error 識別子 f は定義されていません");
+}
+TEST_F(Parser, PrivateAtADeclarationAheadReachesTheBody) {
+    Start();
+    EXPECT_EQ(RunMore("private function f(); function f() { return 1; } print(f());"), "1");
+    EXPECT_EQ(RunMore("function f() { return 2; } print(f());"), "2");
+}
+TEST_F(Parser, APrivateFunctionLeavesTheMethodOfItsNameKnown) {
+    Start();
+    EXPECT_EQ(RunMore("private function substr(n) { return n; } print(substr(5));"), "5");
+    EXPECT_EQ(RunMore("print(\"abc\".substr(2));"), "ab");
+}
 TEST_F(Parser, PrivateFunctionsStayCallableByTheirOwnFile) {
     Start();
     EXPECT_EQ(RunMore("private function hidden() { return 1; } function open() { return hidden(); }"), "");
