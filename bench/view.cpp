@@ -1,8 +1,11 @@
-// The four views, each measure beside the one it is compared with, in one run on one core: redraws and lines
-// against a plain Bresenham loop that writes the same lines, already projected, into an 8-bit buffer; a view
-// of a small part against a bare walk over the records; what changes no polygon against a copy of the frame.
-// Times are the thread's own, so that another program's turn does not count; figures are medians over the
-// rounds, ratios the median of the pairs.
+// The four views, each measure beside those it is compared with, in one run on one core: redraws and lines
+// against a plain Bresenham loop that writes the same lines, already projected, into an 8-bit buffer, and
+// against the window library's painter with the same lines, in a 32-bit picture; a view of a small part
+// against a bare walk over the records; what changes no polygon against the painter's way to do it. The limit
+// of all is a copy of the frame, which is measured beside them.
+// Times are the processor's, of all threads (the painter has its own), so that another program's turn does
+// not count; figures are medians over the rounds, ratios the medians of what each round gives. A full redraw
+// fills the views and draws; "lines" is the redraw without the filling, "fill" the filling alone.
 //
 //   taskset -c 1 bench_view [most quads]
 #include <time.h>
@@ -13,13 +16,17 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <initializer_list>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "ML/ML.h"
 #include "MODEL/ATR.h"
 #include "MODEL/OBJ.h"
 #include "MODEL/POLY.h"
+#include "painter/painter.h"
 #include "view/OVERLAY.h"
 #include "view/VIEW.h"
 
@@ -31,13 +38,9 @@ constexpr int WIDTH = 1280, HEIGHT = 1000;
 constexpr int LINES_OF_QUAD = 4;
 unsigned seen = 0;  // what the loops made, so that none is left out
 
-struct Line {
-    int x0, y0, x1, y1;
-};
-
 double Now() {
     timespec t{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
     return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) * 1e-6;
 }
 
@@ -46,29 +49,45 @@ double Median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-struct Pair {
-    double ours, measure, ratio;  // milliseconds
+using Work = std::function<void()>;
+
+// Several works in turn, `rounds` times, each `repeats` times a round.
+class Comparison {
+  public:
+    Comparison(int rounds, int repeats, std::initializer_list<Work> works) : times(works.size()) {
+        for (const Work& work : works) {
+            work();
+        }
+        for (int round = 0; round < rounds; ++round) {
+            std::size_t i = 0;
+            for (const Work& work : works) {
+                const double from = Now();
+                for (int turn = 0; turn < repeats; ++turn) {
+                    work();
+                }
+                times[i++].push_back((Now() - from) / repeats);
+            }
+        }
+    }
+    double Time(std::size_t work) const { return Median(times[work]); }  // milliseconds
+    double Ratio(std::size_t work, std::size_t measure) const {
+        std::vector<double> ratios;
+        for (std::size_t round = 0; round < times[work].size(); ++round) {
+            ratios.push_back(times[work][round] / times[measure][round]);
+        }
+        return Median(ratios);
+    }
+
+  private:
+    std::vector<std::vector<double>> times;
 };
 
-// Both in turn, `rounds` times, each `repeats` times a round.
-template <typename Ours, typename Measure>
-Pair Compare(int rounds, int repeats, Ours ours, Measure measure) {
-    std::vector<double> a, b, ratios;
-    const auto time = [repeats](auto& what) {
-        const double from = Now();
-        for (int i = 0; i < repeats; ++i) {
-            what();
-        }
-        return (Now() - from) / repeats;
-    };
-    ours();
-    measure();
-    for (int round = 0; round < rounds; ++round) {
-        a.push_back(time(ours));
-        b.push_back(time(measure));
-        ratios.push_back(a.back() / b.back());
-    }
-    return {Median(a), Median(b), Median(ratios)};
+// The works of most rows, in this order.
+enum : std::size_t { OURS, PAINTER, COPY, LOOP, LINES_ALONE, FILL };
+
+void PrintAgainst(const char* name, const Comparison& c) {
+    std::printf("%-36s %9.4f ms, painter %9.4f ms, copy %7.4f ms: painter / ours %6.2f, copies %6.3f\n", name,
+                c.Time(OURS), c.Time(PAINTER), c.Time(COPY), c.Ratio(PAINTER, OURS), c.Ratio(OURS, COPY));
 }
 
 int RepeatsFor(int quads) {
@@ -223,31 +242,51 @@ void CopyFrame() {
 
 // ---- redraws ----
 
+void FillViews(std::int32_t mask) {
+    for (std::int32_t view = WIN_XY; view <= WIN_PERS; view <<= 1) {
+        if ((mask & view) != 0) {
+            FillRect(ViewFrame, Views[ViewIndex(view)].Rect(), COLOUR_BACKGROUND);
+        }
+    }
+}
+
+void MeasureRedraw(const char* name, std::int32_t mask, int quads, int rounds) {
+    const std::vector<Line> lines = ProjectedLines(mask);
+    PainterBegin(WIDTH, HEIGHT, lines);
+    const auto paint = [] {
+        PainterFill();
+        PainterDrawLines();
+    };
+    const Comparison c(rounds, RepeatsFor(quads),
+                       {[mask] { ViewRedrawMask(mask, true); }, paint, CopyFrame, [&] { DrawPlain(lines); },
+                        [mask] { ViewRedrawMask(mask, false); }, [mask] { FillViews(mask); }});
+    PainterEnd();
+    std::printf("%-12s %8d | %9.3f %9.3f %7.3f | %9.3f %9.3f %7.3f | %6.2f %6.2f | %6.2f %6.1f\n", name,
+                quads, c.Time(OURS), c.Time(LINES_ALONE), c.Time(FILL), c.Time(LOOP), c.Time(PAINTER),
+                c.Time(COPY), c.Ratio(OURS, LOOP), c.Ratio(LINES_ALONE, LOOP), c.Ratio(PAINTER, OURS),
+                c.Ratio(OURS, COPY));
+}
+
 void MeasureRedraws(int quads, int rounds) {
-    const int repeats = RepeatsFor(quads);
     Begin(quads, -10, [=] { MakeSheet(quads); });
-    const auto redraw = [](std::int32_t mask) { return [mask] { ViewRedrawMask(mask, true); }; };
-    std::vector<Line> lines = ProjectedLines(WIN_ALL);
-    const Pair four = Compare(rounds, repeats, redraw(WIN_ALL), [&] { DrawPlain(lines); });
-    std::printf("redraw of four views         %8d quads %9.3f ms, plain loop %9.3f ms, ratio %5.2f\n", quads,
-                four.ours, four.measure, four.ratio);
-    lines = ProjectedLines(WIN_ORTHOGRAPHIC);
-    const Pair three = Compare(rounds, repeats, redraw(WIN_ORTHOGRAPHIC), [&] { DrawPlain(lines); });
-    std::printf("redraw of three views        %8d quads %9.3f ms, plain loop %9.3f ms, ratio %5.2f\n", quads,
-                three.ours, three.measure, three.ratio);
+    MeasureRedraw("four views", WIN_ALL, quads, rounds);
+    MeasureRedraw("three views", WIN_ORTHOGRAPHIC, quads, rounds);
     ViewSetMask(WIN_XY);
     ViewSetZoom(-5, 0);
-    lines = ProjectedLines(WIN_XY);
-    const Pair one = Compare(rounds, repeats, redraw(WIN_XY), [&] { DrawPlain(lines); });
-    std::printf("redraw of one view           %8d quads %9.3f ms, plain loop %9.3f ms, ratio %5.2f\n", quads,
-                one.ours, one.measure, one.ratio);
-    ViewSetZoom(16, 0);
-    for (const bool clear : {true, false}) {
-        const Pair part = Compare(
-            rounds, repeats, [clear] { ViewRedrawMask(WIN_XY, clear); }, WalkBare);
-        std::printf("one view of a small part%s%7d quads %9.3f ms, bare walk  %9.3f ms, ratio %5.2f\n",
-                    clear ? ", fill" : "      ", quads, part.ours, part.measure, part.ratio);
-    }
+    MeasureRedraw("one view", WIN_XY, quads, rounds);
+    End();
+}
+
+void MeasureSmallPart(int quads, int rounds) {
+    Begin(quads, 16, [=] { MakeSheet(quads); });
+    ViewSetMask(WIN_XY);
+    const Comparison c(rounds, RepeatsFor(quads),
+                       {[] { ViewRedrawMask(WIN_XY, true); }, [] { ViewRedrawMask(WIN_XY, false); }, WalkBare,
+                        [] { FillViews(WIN_XY); }});
+    std::printf(
+        "one view of a small part %8d quads %8.3f ms, unfilled %8.3f ms, fill %6.3f ms, bare walk %8.3f ms: "
+        "unfilled / walk %5.2f\n",
+        quads, c.Time(0), c.Time(1), c.Time(3), c.Time(2), c.Ratio(1, 2));
     End();
 }
 
@@ -262,15 +301,38 @@ void MeasureLines(const char* name, int quads, int size, int rounds) {
         pixels += std::max(std::abs(line.x1 - line.x0), std::abs(line.y1 - line.y0)) + 1;
     }
     const auto count = static_cast<double>(lines.size());
-    const Pair pair = Compare(
-        rounds, RepeatsFor(quads), [] { ViewRedrawMask(WIN_XY, false); }, [&] { DrawPlain(lines); });
+    PainterBegin(WIDTH, HEIGHT, lines);
+    const Comparison c(
+        rounds, RepeatsFor(quads),
+        {[] { ViewRedrawMask(WIN_XY, false); }, PainterDrawLines, CopyFrame, [&] { DrawPlain(lines); }});
+    PainterEnd();
     std::printf(
-        "%s lines of %5.1f pixels: %7.2f million/s, plain loop %7.2f million/s, ratio of times %5.2f\n", name,
-        pixels / count, count / pair.ours / 1e3, count / pair.measure / 1e3, pair.ratio);
+        "%s lines of %5.1f pixels: %7.2f million/s, plain loop %7.2f, painter %6.2f; time / loop's %5.2f, "
+        "painter / ours %5.2f\n",
+        name, pixels / count, count / c.Time(OURS) / 1e3, count / c.Time(LOOP) / 1e3,
+        count / c.Time(PAINTER) / 1e3, c.Ratio(OURS, LOOP), c.Ratio(PAINTER, OURS));
     End();
 }
 
 // ---- what draws no polygon ----
+
+// The cursor's lines as the painter would turn them: a cross over each flat view, a small one in the other.
+std::vector<Line> CursorLines() {
+    std::vector<Line> lines;
+    for (const ViewRecord& view : Views) {
+        const PixelRect rect = view.Rect();
+        if (&view == &Views[ViewIndex(WIN_PERS)]) {
+            for (const int turn : {-8, 0, 8}) {
+                lines.push_back(
+                    {view.centreX - 8, view.centreY - turn, view.centreX + 8, view.centreY + turn});
+            }
+        } else {
+            lines.push_back({rect.left, view.centreY, rect.right - 1, view.centreY});
+            lines.push_back({view.centreX, rect.top, view.centreX, rect.bottom - 1});
+        }
+    }
+    return lines;
+}
 
 void MeasureCursor(int quads, int rounds) {
     Begin(quads, -10, [=] { MakeSheet(quads); });
@@ -281,13 +343,18 @@ void MeasureCursor(int quads, int rounds) {
         step = (step + 37) % 1000;
         CursorMove({step, 500 - step, step / 2});
     };
-    const Pair pair = Compare(rounds, 200, move, CopyFrame);
-    std::printf("cursor move                  %8d quads %9.4f ms, frame copy %9.4f ms, ratio %5.2f\n", quads,
-                pair.ours, pair.measure, pair.ratio);
+    const auto paint = [] {
+        PainterTurnLines();
+        PainterTurnLines();
+    };
+    PainterBegin(WIDTH, HEIGHT, CursorLines());
+    const Comparison c(rounds, 200, {move, paint, CopyFrame});
+    PainterEnd();
+    PrintAgainst(("cursor move, " + std::to_string(quads) + " quads").c_str(), c);
     End();
 }
 
-void MeasurePalette(int rounds) {
+void MeasurePicture(int rounds) {
     Begin(10000, -10, [] { MakeSheet(10000); });
     ViewRedraw(WHOLE_AREA, true);
     std::vector<std::uint32_t> picture(WIDTH * HEIGHT);
@@ -299,22 +366,21 @@ void MeasurePalette(int rounds) {
         ExpandFrame(ViewFrame, area, palette, picture.data(), WIDTH);
         seen += picture[static_cast<std::size_t>(WIDTH * area.top)];
     };
-    const Pair whole = Compare(
-        rounds, 20, [&] { expand(ViewFrame.Bounds()); }, CopyFrame);
-    std::printf("expansion to 32 bits                        %9.4f ms, frame copy %9.4f ms, ratio %5.2f\n",
-                whole.ours, whole.measure, whole.ratio);
-    const auto change = [&](std::uint8_t entry) {
+    const auto change = [&](std::uint8_t entry) -> Work {
         return [&, entry] {
             palette[entry] += 3;
             expand(RowsWith(ViewFrame, entry));
         };
     };
-    const Pair all = Compare(rounds, 20, change(COLOUR_BACKGROUND), CopyFrame);
-    std::printf("palette change, all rows                    %9.4f ms, frame copy %9.4f ms, ratio %5.2f\n",
-                all.ours, all.measure, all.ratio);
-    const Pair none = Compare(rounds, 20, change(COLOUR_SELECTED), CopyFrame);
-    std::printf("palette change, no row                      %9.4f ms, frame copy %9.4f ms, ratio %5.2f\n",
-                none.ours, none.measure, none.ratio);
+    const Work paint = [] { PainterDrawIndexed(ViewFrame.pixels.data(), WIDTH, HEIGHT, ViewFrame.stride); };
+    PainterBegin(WIDTH, HEIGHT, {});
+    PrintAgainst("frame to a 32-bit picture",
+                 Comparison(rounds, 20, {[&] { expand(ViewFrame.Bounds()); }, paint, CopyFrame}));
+    PrintAgainst("palette change, in all rows",
+                 Comparison(rounds, 20, {change(COLOUR_BACKGROUND), paint, CopyFrame}));
+    PrintAgainst("palette change, in no row",
+                 Comparison(rounds, 20, {change(COLOUR_SELECTED), paint, CopyFrame}));
+    PainterEnd();
     End();
 }
 
@@ -322,10 +388,21 @@ void MeasurePalette(int rounds) {
 
 int main(int argc, char** argv) {
     const int most = argc > 1 ? std::atoi(argv[1]) : 1000000;
+    if (!PainterIsThere()) {
+        std::printf("without the window library: what stands for the painter is nothing\n");
+    }
     InterpreterInit({});
+    std::printf(
+        "redraw          quads | ms:  full     lines    fill |   plain loop   painter    copy | full/loop "
+        "lines/loop | painter/full  full/copy\n");
     for (const int quads : {1000, 10000, 100000, 1000000}) {
         if (quads <= most) {
-            MeasureRedraws(quads, 15);
+            MeasureRedraws(quads, quads < 1000000 ? 15 : 5);
+        }
+    }
+    for (const int quads : {1000, 10000, 100000, 1000000}) {
+        if (quads <= most) {
+            MeasureSmallPart(quads, 15);
         }
     }
     MeasureLines("short", 20000, 4, 25);
@@ -335,7 +412,7 @@ int main(int argc, char** argv) {
             MeasureCursor(quads, 25);
         }
     }
-    MeasurePalette(25);
+    MeasurePicture(25);
     InterpreterExit();
     std::printf("(%u)\n", seen);
     return 0;
