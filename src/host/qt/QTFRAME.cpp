@@ -1,7 +1,9 @@
 #include "host/qt/QTFRAME.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -21,6 +23,7 @@ void QtFrame::ShowMenus(const MenuTree& menus) {
         auto* menu = new QMenu(ToLabel(column.title), menuBar());
         menu->setEnabled(!column.greyed);
         menuBar()->addMenu(menu);
+        menu->installEventFilter(this);
         Fill(*menu, column.entries);
         // Query functions decide about an item when its menu opens.
         QObject::connect(menu, &QMenu::aboutToShow, this, [this, menu, position] {
@@ -44,6 +47,17 @@ void QtFrame::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
         QObject::connect(action, &QAction::hovered, this, [entry] { MenuHighlight = entry.text; });
         QObject::connect(action, &QAction::triggered, this, [this, entry] { picked(entry.command); });
     }
+}
+
+bool QtFrame::eventFilter(QObject* watched, QEvent* event) {
+    auto* menu = qobject_cast<QMenu*>(watched);
+    if (menu == nullptr || event->type() != QEvent::KeyPress ||
+        static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape) {
+        return QMainWindow::eventFilter(watched, event);
+    }
+    menu->close();
+    QApplication::sendEvent(menuBar(), event);
+    return true;
 }
 
 void QtFrame::closeEvent(QCloseEvent* event) {

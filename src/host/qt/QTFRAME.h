@@ -21,6 +21,8 @@ class QtFrame final : public QMainWindow {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    // Escape leaves an open menu and the bar at once, so that the next key reaches the scripts.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     // Fills a menu's list with what its items are at this moment.
