@@ -14,7 +14,6 @@
 #include "MODEL/SELECT.h"
 #include "MODEL/SHADE.h"
 #include "MODEL/TRANSFORM.h"
-#include "MODEL/UNDO.h"
 #include "MODEL/VERSET.h"
 
 namespace {
@@ -78,43 +77,6 @@ void Report(benchmark::State& state, std::int64_t polygons) {
     state.counters["a_polygon"] =
         benchmark::Counter(static_cast<double>(polygons),
                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
-// Every polygon changes between one mark and the next, so that nothing is shared: the dearest case.
-void BenchMark(benchmark::State& state) {
-    MakeModel(state.range(0), Mesh::Terrain);
-    bool flag = false;
-    for (auto _ : state) {
-        state.PauseTiming();
-        SelectAll(flag = !flag, SELECT_UPDATE);
-        UndoLimit(1);
-        state.ResumeTiming();
-        UndoMark("move");
-    }
-    Report(state, PolygonCount());
-}
-
-void BenchUndo(benchmark::State& state) {
-    MakeModel(state.range(0), Mesh::Terrain);
-    for (auto _ : state) {
-        state.PauseTiming();
-        UndoMark("move");
-        SelectAll(false, SELECT_XOR);
-        UndoLimit(1);
-        state.ResumeTiming();
-        Undo();
-    }
-    Report(state, PolygonCount());
-}
-
-// What a mark is measured by: a copy of the buffer.
-void BenchBufferCopy(benchmark::State& state) {
-    MakeModel(state.range(0), Mesh::Terrain);
-    for (auto _ : state) {
-        std::vector<char> copy(BufTop, BufNext);
-        benchmark::DoNotOptimize(copy.data());
-    }
-    Report(state, PolygonCount());
 }
 
 void BenchSelectAll(benchmark::State& state) {
@@ -305,9 +267,6 @@ void SizesAndNormals(benchmark::internal::Benchmark* bench) {
     bench->ArgsProduct({{10000, 100000, 1000000}, {0, 1}})->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(BenchMark)->Apply(Sizes);
-BENCHMARK(BenchUndo)->Apply(Sizes);
-BENCHMARK(BenchBufferCopy)->Apply(Sizes);
 BENCHMARK(BenchSelectAll)->Apply(Sizes);
 BENCHMARK(BenchSelectArea)->Apply(Sizes);
 BENCHMARK(BenchMove)->Apply(SizesAndNormals);

@@ -1,9 +1,6 @@
 #include "MODEL/UNDO.h"
 
-#include <algorithm>
-#include <cstring>
 #include <deque>
-#include <memory>
 #include <new>
 #include <span>
 #include <string>
@@ -12,53 +9,11 @@
 #include "MODEL/ATR.h"
 #include "MODEL/BUFFER.h"
 #include "MODEL/OBJ.h"
+#include "MODEL/PIECE.h"
 #include "MODEL/POLY.h"
 
 namespace quelmark {
 namespace {
-
-constexpr std::size_t PIECE_BYTES = std::size_t{64} << 10;
-
-std::size_t heldBytes = 0;
-
-struct Piece {
-    explicit Piece(std::span<const char> from) : bytes(from.begin(), from.end()) {
-        heldBytes += bytes.size();
-    }
-    ~Piece() { heldBytes -= bytes.size(); }
-    Piece(const Piece&) = delete;
-    Piece& operator=(const Piece&) = delete;
-
-    bool Holds(std::span<const char> other) const {
-        return bytes.size() == other.size() && std::memcmp(bytes.data(), other.data(), other.size()) == 0;
-    }
-
-    const std::vector<char> bytes;
-};
-
-// A run of memory, cut into pieces. Images of equal memory have the same pieces.
-using Image = std::vector<std::shared_ptr<const Piece>>;
-
-Image ImageOf(std::span<const char> memory, const Image& nearest) {
-    Image image;
-    image.reserve(memory.size() / PIECE_BYTES + 1);
-    for (std::size_t at = 0; at < memory.size(); at += PIECE_BYTES) {
-        const auto part = memory.subspan(at, std::min(PIECE_BYTES, memory.size() - at));
-        const std::size_t n = image.size();
-        const bool isEqual = n < nearest.size() && nearest[n]->Holds(part);
-        image.push_back(isEqual ? nearest[n] : std::make_shared<const Piece>(part));
-    }
-    return image;
-}
-
-// Writes an image to memory that has room for it; the address behind it.
-char* PutBack(const Image& image, char* to) {
-    for (const auto& piece : image) {
-        std::memcpy(to, piece->bytes.data(), piece->bytes.size());
-        to += piece->bytes.size();
-    }
-    return to;
-}
 
 struct ModelState {
     Image polygons, attributes, objects;
@@ -77,33 +32,49 @@ std::deque<Step> undoSteps;   // oldest first
 std::vector<Step> redoSteps;  // the next to redo last
 // What could be redone before the newest mark: comes back when that mark is cancelled.
 std::vector<Step> redoBeforeMark;
-ModelState nearestState{};  // the state kept or put back last: what a new one probably resembles
 std::size_t limitBytes = UNDO_MEMORY;
 
 // Free entries too: a polygon may name one, and then its edit mark counts.
 template <class Record>
-std::span<const char> TableBytes(const Record* table, std::int32_t size) {
-    return {reinterpret_cast<const char*>(table), static_cast<std::size_t>(size) * sizeof(Record)};
+std::span<char> TableBytes(Record* table, std::int32_t size) {
+    return {reinterpret_cast<char*>(table), static_cast<std::size_t>(size) * sizeof(Record)};
 }
 
-ModelState PresentState() {
-    const std::span<const char> polygons(BufTop, BufNext);
-    return {ImageOf(polygons, nearestState.polygons),
-            ImageOf(TableBytes(AttrTable, AttributeCount), nearestState.attributes),
-            ImageOf(TableBytes(ObjTable, ObjectTableSize), nearestState.objects),
-            AttrLast,
-            AttrCurrent,
-            ObjLast,
-            ObjCurrent,
-            SelectCount};
+std::span<char> Polygons() {
+    return {BufTop, BufNext};
+}
+std::span<char> Attributes() {
+    return TableBytes(AttrTable, AttributeCount);
+}
+std::span<char> Objects() {
+    return TableBytes(ObjTable, ObjectTableSize);
 }
 
-void PutStepBack(const Step& step) {
+// A state without its images.
+ModelState PresentNumbers() {
+    return {{}, {}, {}, AttrLast, AttrCurrent, ObjLast, ObjCurrent, SelectCount};
+}
+
+// What the present state probably resembles: the states beside it.
+ModelState PresentState(std::span<const Step* const> nearest) {
+    const auto imageOf = [nearest](std::span<const char> memory, Image ModelState::*image) {
+        std::vector<const Image*> images;
+        for (const Step* step : nearest) {
+            images.push_back(&(step->state.*image));
+        }
+        return ImageOf(memory, images);
+    };
+    ModelState state = PresentNumbers();
+    state.polygons = imageOf(Polygons(), &ModelState::polygons);
+    state.attributes = imageOf(Attributes(), &ModelState::attributes);
+    state.objects = imageOf(Objects(), &ModelState::objects);
+    return state;
+}
+
+// What follows when the images of a step have been put back.
+void PutNumbersBack(const Step& step) {
     const ModelState& state = step.state;
-    BufNext = PutBack(state.polygons, BufTop);
     ++BufLayout;
-    PutBack(state.attributes, reinterpret_cast<char*>(AttrTable));
-    PutBack(state.objects, reinterpret_cast<char*>(ObjTable));
     AttrLast = state.attrLast;
     ObjLast = state.objLast;
     AttrCurrent = state.attrCurrent;
@@ -115,19 +86,19 @@ void PutStepBack(const Step& step) {
     PolygonLoadInit();
     ++AttrRevision;
     ++ObjRevision;
-    nearestState = state;
 }
 
 void KeepWithinLimit() {
-    if (heldBytes > limitBytes) {
+    if (PieceBytes() > limitBytes) {
         redoBeforeMark.clear();
     }
-    while (heldBytes > limitBytes && undoSteps.size() > 1) {
+    while (PieceBytes() > limitBytes && undoSteps.size() > 1) {
         undoSteps.pop_front();
     }
-    while (heldBytes > limitBytes && !redoSteps.empty()) {
+    while (PieceBytes() > limitBytes && !redoSteps.empty()) {
         redoSteps.erase(redoSteps.begin());
     }
+    PieceLimit(limitBytes);
 }
 
 // Takes the last step of one list, keeps the present state in the other, and puts the step's state back.
@@ -138,12 +109,22 @@ bool Exchange(From& from, To& to) {
         return false;
     }
     redoBeforeMark.clear();
+    Step& step = from.back();
+    const ModelState& old = step.state;
+    ModelState present = PresentNumbers();
     try {
-        to.push_back({from.back().name, PresentState()});
+        present.polygons = ExchangeBegin(old.polygons, Polygons());
+        present.attributes = ExchangeBegin(old.attributes, Attributes());
+        present.objects = ExchangeBegin(old.objects, Objects());
+        to.push_back({step.name, {}});
     } catch (const std::bad_alloc&) {
         return false;
     }
-    PutStepBack(from.back());
+    BufNext = ExchangeEnd(old.polygons, Polygons(), present.polygons);
+    ExchangeEnd(old.attributes, Attributes(), present.attributes);
+    ExchangeEnd(old.objects, Objects(), present.objects);
+    PutNumbersBack(step);
+    to.back().state = std::move(present);
     from.pop_back();
     KeepWithinLimit();
     return true;
@@ -155,15 +136,21 @@ void UndoClear() {
     undoSteps.clear();
     redoSteps.clear();
     redoBeforeMark.clear();
-    nearestState = {};
+    PieceForget();
 }
 
 bool UndoMark(std::string_view name) {
     try {
         redoBeforeMark = std::move(redoSteps);
         redoSteps.clear();
-        ModelState state = PresentState();
-        nearestState = state;
+        std::vector<const Step*> nearest;
+        if (!undoSteps.empty()) {
+            nearest.push_back(&undoSteps.back());
+        }
+        if (!redoBeforeMark.empty()) {
+            nearest.push_back(&redoBeforeMark.back());
+        }
+        ModelState state = PresentState(nearest);
         if (!undoSteps.empty() && undoSteps.back().state == state) {
             undoSteps.back().name = name;
             undoSteps.back().isBeforeSave = false;
@@ -190,7 +177,11 @@ bool UndoRestore() {
     if (undoSteps.empty()) {
         return false;
     }
-    PutStepBack(undoSteps.back());
+    const ModelState& state = undoSteps.back().state;
+    BufNext = PutBack(state.polygons, BufTop);
+    PutBack(state.attributes, Attributes().data());
+    PutBack(state.objects, Objects().data());
+    PutNumbersBack(undoSteps.back());
     return true;
 }
 
@@ -231,7 +222,7 @@ std::size_t UndoLimit() {
 }
 
 std::size_t UndoHeld() {
-    return heldBytes;
+    return PieceBytes();
 }
 
 }  // namespace quelmark
