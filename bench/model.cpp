@@ -2,10 +2,13 @@
 // one of them. Two plain programs stand beside it: the loop that moves an array of the same vertices, and
 // smooth shading over bare coordinates with an open-addressing table.
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "MATLIB/SETMAT.h"
@@ -13,8 +16,11 @@
 #include "MODEL/EDGE.h"
 #include "MODEL/SELECT.h"
 #include "MODEL/SHADE.h"
+#include "MODEL/SUFTEXT.h"
 #include "MODEL/TRANSFORM.h"
 #include "MODEL/VERSET.h"
+#include "reader/objread.h"
+#include "text/path.h"
 
 namespace {
 
@@ -51,10 +57,14 @@ VertexRecord Corner(Mesh mesh, std::int32_t side, std::int32_t i, std::int32_t j
     return At(i * step - 30000, j * step - 30000, static_cast<std::int32_t>(height));
 }
 
-// A new model of about n triangles, all selected.
-void MakeModel(std::int64_t n, Mesh mesh) {
+void MakeEmptyModel(std::int64_t n) {
     ModelExit();
     ModelInit(static_cast<std::int32_t>(n * 72 + 1024), 4, 4, 16);
+}
+
+// A new model of about n triangles, all selected.
+void MakeModel(std::int64_t n, Mesh mesh) {
+    MakeEmptyModel(n);
     const auto side = static_cast<std::int32_t>(std::sqrt(static_cast<double>(n) / 2));
     const auto add = [](const VertexRecord& a, const VertexRecord& b, const VertexRecord& c) {
         CurrentPolygon->vers = 3;
@@ -259,6 +269,47 @@ void BenchDeleteSecond(benchmark::State& state) {
     Report(state, count);
 }
 
+// A shape file that goes with the benchmark.
+struct ShapeFile {
+    std::string host = "/tmp/quelmark-bench-" + std::to_string(getpid()) + ".suf";
+    std::string name = *ScriptPath(host);
+    ShapeFile() = default;
+    ShapeFile(const ShapeFile&) = delete;
+    ShapeFile& operator=(const ShapeFile&) = delete;
+    ~ShapeFile() { std::remove(host.c_str()); }
+};
+
+bool WriteSelected(const ShapeFile& file) {
+    return SaveBlock(file.name, ObjectText("mesh"), FILE_OVERWRITE);
+}
+
+void BenchWrite(benchmark::State& state) {
+    MakeModel(state.range(0), Mesh::Terrain);
+    const ShapeFile file;
+    for (auto _ : state) {
+        if (!WriteSelected(file)) {
+            state.SkipWithError("the file was not written");
+        }
+    }
+    Report(state, PolygonCount());
+}
+
+void BenchRead(benchmark::State& state) {
+    MakeModel(state.range(0), Mesh::Terrain);
+    const std::int32_t count = PolygonCount();
+    const ShapeFile file;
+    WriteSelected(file);
+    for (auto _ : state) {
+        state.PauseTiming();
+        MakeEmptyModel(count);
+        state.ResumeTiming();
+        if (!ReadShapeFile(file.name, 0) || PolygonCount() != count) {
+            state.SkipWithError("the file was not read");
+        }
+    }
+    Report(state, count);
+}
+
 void Sizes(benchmark::internal::Benchmark* bench) {
     bench->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 }
@@ -281,6 +332,8 @@ BENCHMARK(BenchVertexSelect)->Apply(Sizes);
 BENCHMARK(BenchEdgeSelect)->Apply(Sizes);
 BENCHMARK(BenchAdjoint)->Apply(Sizes);
 BENCHMARK(BenchDeleteSecond)->Apply(Sizes)->Iterations(5);
+BENCHMARK(BenchWrite)->Apply(Sizes);
+BENCHMARK(BenchRead)->Apply(Sizes);
 
 }  // namespace
 
