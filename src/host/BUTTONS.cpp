@@ -59,7 +59,9 @@ void RepeatWhileHeld(std::int32_t handler, std::int32_t slot) {
             CallHandler(handler, {slot});
             next += BUTTON_REPEAT_MILLISECONDS;
         }
-        HostDeliverHeld();
+        if (Input.left || Input.right) {  // the handler may have waited for the release itself
+            HostDeliverHeld();
+        }
     }
 }
 

@@ -315,6 +315,7 @@ void StartUp(const CommandLine& commandLine, void (*registerLibraries)()) {
 void CloseOpenInteraction() {
     DialogDiscard();
     ButtonsRelease();
+    PressSpend();
     MenuPopAll();
 }
 
@@ -495,6 +496,9 @@ void HostDeliverHeld() {
     QuitFlag = QuitFlag || now.finished;
     if (now.closeRequested && !QuitFlag) {
         QuitFlag = HostMayClose() || QuitFlag;
+    }
+    if (now.keyCode != 0) {
+        KeyPutBack(now.keyCode, now.shift);
     }
     Input.left = now.left;
     Input.right = now.right;

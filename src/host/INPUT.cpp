@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
@@ -89,6 +90,13 @@ constexpr KeyName KEYS[] = {
 };
 static_assert(std::size(KEYS) == 57);
 
+struct KeptKey {
+    std::int32_t code = 0;
+    std::int32_t shift = 0;
+};
+KeptKey keptKey;
+bool pressSpent = false;
+
 std::uint32_t pulseTime = 0;
 std::int32_t pulseIndex = 0;
 
@@ -138,6 +146,8 @@ void HandlersReset() {
     Handlers.input = Handlers.press = Handlers.wheel = -1;
     Input = CurrentInput{};
     Mode = WaitMode{};
+    keptKey = KeptKey{};
+    pressSpent = false;
     pulseIndex = 0;
     pulseTime = HostWindow().Milliseconds();
 }
@@ -157,7 +167,20 @@ InputState TakeInput() {
         DropPut(std::move(path));
     }
     taken.dropped.clear();
+    const KeptKey kept = std::exchange(keptKey, KeptKey{});
+    if (taken.keyCode == 0 && kept.code != 0) {
+        taken.keyCode = kept.code;
+        taken.shift = kept.shift;
+    }
     return taken;
+}
+
+void PressSpend() {
+    pressSpent = Input.left || Input.right;
+}
+
+void KeyPutBack(std::int32_t code, std::int32_t shift) {
+    keptKey = {code, shift};
 }
 
 void WaitStep(Waiting who) {
@@ -165,7 +188,8 @@ void WaitStep(Waiting who) {
     const bool inLoop = who == Waiting::EventLoop;
     InputState now;
     for (bool pending = true; pending;) {
-        HostWindow().Deliver(inLoop ? LoopEventWait(PULSE_INTERVAL) : PULSE_INTERVAL);
+        const std::int32_t interval = keptKey.code != 0 ? 0 : PULSE_INTERVAL;
+        HostWindow().Deliver(inLoop ? LoopEventWait(interval) : interval);
         HostRaiseKept();
         now = TakeInput();
         QuitFlag = QuitFlag || now.finished;
@@ -216,6 +240,10 @@ bool InputStep(Waiting who) {
         MenuPick(command / 256, command % 256);
         Input.keyCode = 0;
         return false;
+    }
+    if (pressSpent) {
+        PressSpend();
+        return Mode.wait == 32 && Input.keyCode == 32;
     }
     if (Input.left || Input.right) {
         // A handler may set the key code; only a key that came with this step is left for the event loop.

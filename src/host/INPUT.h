@@ -66,6 +66,10 @@ enum class Waiting : std::uint8_t { Script, EventLoop };
 void WaitStep(Waiting who = Waiting::Script);
 // Takes the window's input state; dropped files are put aside for the event loop.
 InputState TakeInput();
+// What is left of a press that is held, its release too, is no input: an error has ended what it began.
+void PressSpend();
+// A key taken by something that is no wait step: the next wait step has it, unless another one follows.
+void KeyPutBack(std::int32_t code, std::int32_t shift);
 // Waits until both buttons are up.
 void WaitRelease();
 // One input step: panes first, then the state for the script. True when what `Mode` waits for has come.
