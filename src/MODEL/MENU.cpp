@@ -197,7 +197,10 @@ std::int32_t ItemIndex(const char* name, std::int32_t argc, const DataCell* argv
 }
 
 std::int32_t MenuItem(std::int32_t, std::int32_t argc, DataCell* argv) {
-    if (argc == 0 && !MenuHighlight.empty()) {
+    if (argc == 0) {
+        if (MenuHighlight.empty()) {
+            return NO_RESULT;
+        }
         StackPushString(MenuHighlight);
         return RESULT;
     }

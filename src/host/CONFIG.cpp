@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 
@@ -39,6 +40,13 @@ std::string InCurrentDirectory(std::string_view name) {
         name.starts_with('\\') || name.starts_with('/') || (name.size() > 1 && name[1] == ':');
     const auto directory = CurrentDirectory();
     return !absolute && directory ? WithSeparator(*directory) + std::string(name) : std::string(name);
+}
+
+// A link is followed, so that the file it means is replaced and not the link.
+std::optional<std::string> LinkTarget(const std::string& path) {
+    char resolved[PATH_MAX];
+    return ::realpath(path.c_str(), resolved) != nullptr ? std::optional<std::string>(resolved)
+                                                         : std::nullopt;
 }
 
 std::optional<std::string> ReadHostFile(const std::string& path) {
@@ -196,7 +204,8 @@ bool ConfigWrite(std::string_view key, std::string_view value) {
     if (key.empty() || !entry || entry->key != key || line.find_first_of("\n\0"sv) != std::string::npos) {
         return false;  // it would be read as something else, or as more than one line
     }
-    const auto path = HostPath(configPath);
+    const auto given = HostPath(configPath);
+    const auto path = given ? LinkTarget(*given) : given;
     const auto text = path ? ReadHostFile(*path) : std::nullopt;
     if (!text || ::access(path->c_str(), W_OK) != 0) {
         return false;

@@ -157,6 +157,16 @@ script 'Modelrc("Key", "2");'
 run --
 [ "$(stat -c %a home/Quelmark.ini)" = 600 ] || { echo "the file's permissions changed"; failures=1; }
 chmod 644 home/Quelmark.ini
+config 'Key = 1'
+mkdir kept
+mv home/Quelmark.ini kept/mine.ini
+ln -s ../kept/mine.ini home/Quelmark.ini
+run --
+[ -L home/Quelmark.ini ] || { echo "a link to the configuration is replaced by a file"; failures=1; }
+holds "the file that a link means is written" kept/mine.ini '^Key	= 2$'
+[ "$(ls kept)" = mine.ini ] || { echo "beside the linked file stays: $(ls kept)"; failures=1; }
+rm home/Quelmark.ini
+config 'Key = 1'
 script 'print("x".Modelrc(5));'
 run --
 is "the value is checked" 1 "t.qms:1:  Error 2 番目の引数の型が不正です。( Modelrc )"
