@@ -49,9 +49,12 @@ std::int32_t MouseWindow(std::int32_t, std::int32_t, DataCell*) {
     return RESULT;
 }
 
-std::int32_t MousePoint(std::int32_t, std::int32_t, DataCell*) {
+// In the view under the pointer, or in a given one, wherever the pointer is.
+std::int32_t MousePoint(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::int32_t view = argc > 0 ? argv[0].integer : ViewAt(Input.x, Input.y);
+    const ModelPoint cursor = CursorPosition();
     StackPushVertex(
-        ToVertexRecord(ViewPointAt(Input.x, Input.y, CursorPosition()).value_or(CursorPosition())), 0);
+        ToVertexRecord(ViewIndex(view) < 0 ? cursor : ViewPointIn(view, Input.x, Input.y, cursor)), 0);
     return RESULT;
 }
 
@@ -425,7 +428,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "DrawFrontOnly", Flag<&ViewSettings::frontOnly>, Takes("DrawFrontOnly", {TYPE_FLAG}, 0)},
     {"", "ViewCursor", ViewCursor, Takes("ViewCursor", {TYPE_FLAG}, 0)},
     {"String", "ViewImage", ViewImage, Takes("ViewImage", {TYPE_OBJECT, TYPE_INT}, 1)},
-    {"", "MousePoint", MousePoint, Takes("MousePoint", {})},
+    {"", "MousePoint", MousePoint, Takes("MousePoint", {TYPE_INT}, 0)},
     {"", "SelectPoint", SelectPoint, Takes("SelectPoint", {TYPE_FLAG, TYPE_INT, TYPE_INT, TYPE_INT})},
 };
 

@@ -1,4 +1,5 @@
-// The redraw: one walk over the data buffer draws every visible view.
+// The redraw: one walk over the data buffer draws every visible view. Only where a mask of some views keeps
+// the rectangle of a perspective view that lies over others, that view comes after them in a walk of its own.
 #include <vector>
 
 #include "MODEL/ATR.h"
@@ -61,6 +62,28 @@ void DrawModel() {
     }
 }
 
+// The perspective view lies over another of the mask, by more than the row that views of an odd height share.
+bool PerspectiveCovers(std::int32_t mask) {
+    const PixelRect pers = Views[ViewIndex(WIN_PERS)].Rect();
+    for (std::int32_t view = WIN_XY; (mask & WIN_PERS) != 0 && view <= WIN_ZX; view <<= 1) {
+        const PixelRect shared = Intersection(pers, Views[ViewIndex(view)].Rect());
+        if ((mask & view) != 0 && !IsEmpty(shared) && shared.bottom - shared.top > 1) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void DrawViews(std::int32_t mask, bool clear) {
+    Prepare(mask);
+    if (clear) {
+        FlatGround();
+        PersGround();
+        ViewTextsDrop(mask);
+    }
+    DrawModel();
+}
+
 void DamageViews(std::int32_t mask) {
     for (std::int32_t i = 0; i < VIEW_COUNT; ++i) {
         if ((mask & 1 << i) != 0) {
@@ -84,13 +107,12 @@ void ViewRedrawMask(std::int32_t mask, bool clear) {
         return;
     }
     const OverlayPause pause;
-    Prepare(mask);
-    if (clear) {
-        FlatGround();
-        PersGround();
-        ViewTextsDrop(mask);
+    if (PerspectiveCovers(mask)) {
+        DrawViews(mask & WIN_ORTHOGRAPHIC, clear);
+        DrawViews(mask & WIN_PERS, clear);
+    } else {
+        DrawViews(mask, clear);
     }
-    DrawModel();
     DamageViews(mask);
 }
 

@@ -286,9 +286,11 @@ PanePoint ViewProjectEye(const EyePoint& point) {
 std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth,
                                       std::int32_t snap) {
     const std::int32_t view = ViewAt(x, y);
-    if (view == 0) {
-        return std::nullopt;
-    }
+    return view == 0 ? std::nullopt : std::optional(ViewPointIn(view, x, y, depth, snap));
+}
+
+ModelPoint ViewPointIn(std::int32_t view, std::int32_t x, std::int32_t y, const ModelPoint& depth,
+                       std::int32_t snap) {
     const ViewRecord& record = Views[ViewIndex(view)];
     const ModelPoint shown = ViewConverted(depth);
     double point[3] = {static_cast<double>(shown.x), static_cast<double>(shown.y),
@@ -298,7 +300,7 @@ std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const Mode
             return depth;
         }
         const ModelPoint p = Unconverted(point);
-        return ModelPoint{Snapped(p.x, snap), Snapped(p.y, snap), Snapped(p.z, snap)};
+        return {Snapped(p.x, snap), Snapped(p.y, snap), Snapped(p.z, snap)};
     }
     const auto place = [snap](std::int32_t pixels, std::int32_t centre) {
         const double units =

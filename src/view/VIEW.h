@@ -107,6 +107,9 @@ PanePoint ViewProjectEye(const EyePoint& point);
 // of `snap` when that is 2 or more. Nothing outside the visible views.
 std::optional<ModelPoint> ViewPointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth,
                                       std::int32_t snap = 0);
+// The same in one view, which goes on beyond its rectangle: what a drag that leaves its view means.
+ModelPoint ViewPointIn(std::int32_t view, std::int32_t x, std::int32_t y, const ModelPoint& depth,
+                       std::int32_t snap = 0);
 
 // Off at start and at shut-down: then redraws do nothing.
 void ViewEnableDrawing(bool on);

@@ -35,7 +35,6 @@ MODELPATH="$folder" "$program" >"$folder/printed" 2>/dev/null &
 window=$!
 failures=0
 fail() { echo "$1"; failures=1; }
-settle() { sleep 0.4; }
 # waits until a line has been printed
 printed() { for _ in $(seq 100); do iconv -f CP932 -t UTF-8 "$folder/printed" | grep -q "$1" && return; sleep 0.05; done; fail "not printed: $1"; }
 views() { import -window root -depth 8 -crop 300x250+20+60 +repage "$1"; }

@@ -26,7 +26,6 @@ HOME="$folder" MODELPATH="$folder" "$program" >printed 2>/dev/null &
 window=$!
 failures=0
 fail() { echo "$1"; failures=1; }
-settle() { sleep 0.4; }
 # lines GEOMETRY: each line of pixels of the screen's part, RRGGBB separated by blanks
 lines() { import -window root -depth 8 part.ppm; convert part.ppm -crop "$1" +repage part.ppm; convert part.ppm rgb:- | od -An -v -tx1 -w"$((3 * $(identify -format %w part.ppm)))" | sed 's/ \(..\) \(..\) \(..\)/\1\2\3 /g'; }
 

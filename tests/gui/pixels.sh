@@ -17,7 +17,6 @@ HOME="$folder" QT_SCALE_FACTOR=$(awk "BEGIN { print $percent / 100 }") "$program
 window=$!
 failures=0
 fail() { echo "$1"; failures=1; }
-settle() { sleep 0.35; }
 picture() { import -window root -depth 8 "$1"; }
 # pixels IMAGE GEOMETRY: the colours of a line of pixels, one RRGGBB a line
 pixels() { convert "$1" -crop "$2" +repage -depth 8 rgb:- | od -An -v -tx1 -w3 | tr -d ' '; }

@@ -11,3 +11,16 @@ trap 'kill $server $window 2>/dev/null; rm -rf "$folder"' EXIT
 for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
 DISPLAY=:$(cat "$folder/display")
 export DISPLAY
+# Waits until the program has dealt with what was sent: it sleeps, and has used next to no time for a while. A loaded machine takes longer.
+ticks() { awk '{ print $3, $14 + $15 }' "/proc/$window/stat" 2>/dev/null; }
+settle() {
+    local before after
+    sleep 0.3
+    for _ in $(seq 40); do
+        before=$(ticks)
+        sleep 0.1
+        after=$(ticks)
+        [ -n "$after" ] || return 0
+        [ "${after% *}" = S ] && [ "${before% *}" = S ] && [ $((${after#* } - ${before#* })) -le 1 ] && return 0
+    done
+}

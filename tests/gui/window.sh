@@ -11,7 +11,6 @@ HOME="$folder" "$program" "$sample" >"$folder/printed" 2>/dev/null &
 window=$!
 failures=0
 fail() { echo "$1"; failures=1; }
-settle() { sleep 0.4; }
 
 id=
 for _ in $(seq 100); do id=$(xdotool search --name '^Quelmark' 2>/dev/null | head -1); [ -n "$id" ] && break; sleep 0.05; done
