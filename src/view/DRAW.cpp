@@ -28,7 +28,7 @@ void DrawPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks)
 }
 
 std::uint8_t AttributeColour(std::int16_t attribute) {
-    return attribute >= 0 && attribute < AttributeCount
+    return attribute >= 0 && attribute < AttributeCount && AttrTable[attribute].used != 0
                ? static_cast<std::uint8_t>(AttrTable[attribute].code & 7)
                : COLOUR_WITHOUT_ATTRIBUTE;
 }

@@ -247,6 +247,17 @@ TEST_F(View3D, OutlinesAreDrawnInTheAttributesColour) {
     EXPECT_EQ(At({200, 100}), 4);
     EXPECT_GT(Count(4, WIN_XY), 140);
 }
+TEST_F(View3D, APolygonWithoutAnAttributeIsWhite) {
+    for (const std::int16_t attribute :
+         {std::int16_t{-1}, std::int16_t{1}, std::int16_t{7}, std::int16_t{8}}) {
+        CurrentPolygon->attr = attribute;
+        Triangle(0, 0, 0, 60, 0, 0, 0, 60, 0);
+        ViewRedraw(WHOLE_AREA, true);
+        EXPECT_GT(Count(7, WIN_XY), 50) << attribute;
+        PolygonTop()->select = 1;
+        PolygonDelete();
+    }
+}
 TEST_F(View3D, SelectedPolygonsLieOnTop) {
     Triangle(0, 0, 0, 50, 0, 0, 0, 50, 0, true);
     Triangle(0, 0, 0, 50, 0, 0, 0, 50, 0, false);
