@@ -127,6 +127,13 @@ void PlaneNormal(std::span<const VertexRecord> vertices, std::int16_t normal[3])
     normal[2] = static_cast<std::int16_t>(nz * scale);
 }
 
+void PolygonGiveId(PolygonRecord& polygon) {
+    static std::uint32_t last = 0;
+    last = last == 0x7FFFFFFF ? 1 : last + 1;
+    polygon.idLow = static_cast<std::int16_t>(last & 0xFFFF);
+    polygon.flags = static_cast<std::uint16_t>((last >> 16 << 1) | (polygon.flags & POLYGON_INVISIBLE));
+}
+
 bool PolygonAppend(std::int32_t select) {
     const std::int32_t size = CurrentSize();
     CurrentPolygon->select = select != 0 ? 1 : 0;
@@ -136,6 +143,7 @@ bool PolygonAppend(std::int32_t select) {
     }
     PlaneNormal(CurrentPolygon->Vertices(), CurrentPolygon->normal);
     BufferCopy(BlockOf(polygon), BlockOf(CurrentPolygon), size);
+    PolygonGiveId(*polygon);
     SelectCount += polygon->select;
     ObjMarkEdited(polygon->obj);
     return true;

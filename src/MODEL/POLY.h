@@ -13,7 +13,8 @@ inline constexpr std::int32_t VERTEX_MAX = 32767;
 inline constexpr std::int32_t VERTEX_LIMIT = 1024;  // a polygon has 1 to 1023 vertices
 
 enum PolygonType : std::uint16_t { POLY_SIMPLE = 0, POLY_SHADE = 1, POLY_UV = 2, POLY_UVSHADE = 3 };
-inline constexpr std::uint16_t POLYGON_INVISIBLE = 1;  // bit of PolygonRecord::flags
+inline constexpr std::uint16_t POLYGON_INVISIBLE =
+    1;  // bit of PolygonRecord::flags; the others are of the id
 
 struct VertexRecord {
     std::int16_t x, y, z;     // model coordinates
@@ -31,13 +32,20 @@ struct PolygonRecord {
     std::int16_t vers;
     std::uint16_t flags;
     std::int16_t normal[3];
-    std::int16_t reserved;
+    std::int16_t idLow;      // of the record's id; the high word is in `flags`
     VertexRecord vertex[1];  // `vers` of them
 
     std::span<VertexRecord> Vertices() { return {vertex, static_cast<std::size_t>(vers)}; }
     std::span<const VertexRecord> Vertices() const { return {vertex, static_cast<std::size_t>(vers)}; }
 };
 static_assert(sizeof(PolygonRecord) == 40);
+
+// Every new record gets an id of its own, not 0; it goes with the record through changes, moving blocks and
+// undoing. A copy is another record. (After 2^31 records the ids begin again.)
+inline std::uint32_t PolygonId(const PolygonRecord& polygon) {
+    return static_cast<std::uint32_t>(polygon.flags >> 1) << 16 | static_cast<std::uint16_t>(polygon.idLow);
+}
+void PolygonGiveId(PolygonRecord& polygon);
 
 extern PolygonRecord* CurrentPolygon;
 extern PolygonRecord* LoadedPolygon;

@@ -1,6 +1,8 @@
 #include "MODEL/SELECT.h"
 
 #include <algorithm>
+#include <array>
+#include <vector>
 
 #include "MODEL/OBJ.h"
 #include "MODEL/OPENTABLE.h"
@@ -34,6 +36,9 @@ struct PositionEntry {
 PositionEntry PositionOf(const VertexRecord& v) {
     return {v.x, v.y, v.z, 1};
 }
+
+// The ids of the held selections, in order.
+std::array<std::vector<std::uint32_t>, SELECT_HOLDS> heldIds;
 
 bool IsVisible(const PolygonRecord& polygon) {
     return (polygon.flags & POLYGON_INVISIBLE) == 0;
@@ -175,6 +180,34 @@ void SelectDelete(const SelectBits& members) {
         polygon = next;
     }
     BufferCompact();
+}
+
+bool SelectHold(std::int32_t number) {
+    if (number < 0 || number >= SELECT_HOLDS) {
+        return false;
+    }
+    std::vector<std::uint32_t>& ids = heldIds[static_cast<std::size_t>(number)];
+    ids.clear();
+    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
+        if (polygon->select != 0) {
+            ids.push_back(PolygonId(*polygon));
+        }
+    }
+    std::ranges::sort(ids);
+    return true;
+}
+
+void SelectHeld(std::int32_t number, SelectBits result) {
+    if (number < 0 || number >= SELECT_HOLDS) {
+        return;
+    }
+    const std::vector<std::uint32_t>& ids = heldIds[static_cast<std::size_t>(number)];
+    std::int32_t i = 0;
+    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon), ++i) {
+        if (std::ranges::binary_search(ids, PolygonId(*polygon))) {
+            result.Add(i);
+        }
+    }
 }
 
 }  // namespace quelmark

@@ -66,4 +66,12 @@ PolygonRecord* SelectMember(const SelectBits& members, std::int32_t n);
 void SelectOnly(const PolygonRecord* wanted);
 void SelectDelete(const SelectBits& members);
 
+// ---- held selections: they follow their polygons through every change and undoing ----
+
+inline constexpr std::int32_t SELECT_HOLDS = 10;
+// Holds the selected polygons under a number; false when it is not 0 to 9.
+bool SelectHold(std::int32_t number);
+// Adds to `result` those that are still there.
+void SelectHeld(std::int32_t number, SelectBits result);
+
 }  // namespace quelmark

@@ -164,6 +164,17 @@ std::int32_t DeleteMembers(std::int32_t, std::int32_t, DataCell* argv) {
     return NO_RESULT;
 }
 
+std::int32_t Hold(std::int32_t, std::int32_t argc, DataCell* argv) {
+    StackPushBool(SelectHold(argc > 0 ? argv[0].integer : 0));
+    return RESULT;
+}
+
+std::int32_t Held(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::int32_t number = argc > 0 ? argv[0].integer : 0;
+    SelectHeld(number, PushSnapshot());
+    return RESULT;
+}
+
 std::int32_t ToString(std::int32_t ident, std::int32_t argc, DataCell* argv) {
     if (argc > 1) {
         return CallInherited(selectClass, ident, argc, argv);
@@ -248,6 +259,8 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "SelectPolygons", Polygons, Takes("SelectPolygons", {TYPE_OBJECT}, 0)},
     {"", "Select", Snapshot, Takes("Select", {})},
     {"", "SelectCurrent", SnapshotLoaded, Takes("SelectCurrent", {})},
+    {"", "SelectHold", Hold, Takes("SelectHold", {TYPE_INT}, 0)},
+    {"", "SelectHeld", Held, Takes("SelectHeld", {TYPE_INT}, 0)},
     {"Select", "Select", Restore, Takes("SelectLoad", {TYPE_OBJECT})},
     {"Select", "SelectPolygons", Polygons, Takes("SelectPolygons", {TYPE_OBJECT})},
     {"Select", "SelectAdjoint", Adjoint, Takes("SelectAdjoint", {TYPE_OBJECT})},

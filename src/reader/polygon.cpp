@@ -132,7 +132,7 @@ void Store(ShapeBlock& block, std::uint16_t type, PolygonRecord* place, std::int
     polygon->obj = static_cast<std::int16_t>(block.object);
     polygon->vers = static_cast<std::int16_t>(count);
     polygon->flags = 0;
-    polygon->reserved = 0;
+    PolygonGiveId(*polygon);
     PlaneNormal(polygon->Vertices(), polygon->normal);
     ++SelectCount;
     block.changed = true;

@@ -75,10 +75,10 @@ TEST_F(Bulk, MoveBySingularAndHugeMatricesIsHarmless) {
 }
 TEST_F(Bulk, HidingMarksTheUnselectedAndKeepsTheSelected) {
     Script("tri(0, 0, 0, 1, 0, 0, 0, 1, 0); PolyAppend(0); PolyInvisible(1);");
-    EXPECT_EQ(Polygon(0).flags, 0);
-    EXPECT_EQ(Polygon(1).flags, POLYGON_INVISIBLE);
+    EXPECT_EQ(Polygon(0).flags & POLYGON_INVISIBLE, 0);
+    EXPECT_EQ(Polygon(1).flags & POLYGON_INVISIBLE, POLYGON_INVISIBLE);
     RunMore("PolyInvisible(FALSE);");
-    EXPECT_EQ(Polygon(1).flags, 0);
+    EXPECT_EQ(Polygon(1).flags & POLYGON_INVISIBLE, 0);
 }
 
 // ---- mapping ----

@@ -206,11 +206,11 @@ TEST_F(Selection, AdjointGivesWhatComparingEveryPairGives) {
     const auto position = [](const VertexRecord& v) { return std::array{v.x, v.y, v.z}; };
     for (int p = 0; p < 200; ++p) {
         bool member = false;
-        for (int q = 0; q < 200 && (Polygon(p).flags == 0); ++q) {
+        for (int q = 0; q < 200 && ((Polygon(p).flags & POLYGON_INVISIBLE) == 0); ++q) {
             for (const VertexRecord& a : Polygon(p).Vertices()) {
                 for (const VertexRecord& b : Polygon(q).Vertices()) {
-                    member = member ||
-                             (Polygon(q).flags == 0 && Polygon(q).select != 0 && position(a) == position(b));
+                    member = member || ((Polygon(q).flags & POLYGON_INVISIBLE) == 0 &&
+                                        Polygon(q).select != 0 && position(a) == position(b));
                 }
             }
         }

@@ -48,7 +48,7 @@ constexpr Names FUNCTIONS[] = {
     {"String", "ObjAppend ObjSearch"},
     {"",
      "SelectAll SelectArea SelectPers SelectAttr SelectObj SelectPolyType SelectBox SelectPolygons Select "
-     "SelectCurrent"},
+     "SelectCurrent SelectHold SelectHeld"},
     {"Select", "Select SelectPolygons SelectAdjoint SelectNumber PolyLoad PolyDelete tostring"},
     {"", "VertexSet VertexSelect"},
     {"", "UndoMark Undo Redo UndoRestore UndoCancel UndoText RedoText UndoClear UndoSaved UndoMemory"},

@@ -16,7 +16,7 @@ TEST_F(ObjectBlocks, APolygonArrivesSelectedWithItsAttributeObjectAndPlaneNormal
     EXPECT_EQ(SelectCount, 1);
     EXPECT_EQ(p.type, POLY_SIMPLE);
     EXPECT_EQ(p.vers, 3);
-    EXPECT_EQ(p.flags, 0);
+    EXPECT_EQ(p.flags & POLYGON_INVISIBLE, 0);
     EXPECT_EQ(AttributeOf(&p), "red");
     EXPECT_EQ(ObjectOf(&p), "box");
     EXPECT_EQ(p.normal[0], 0);
