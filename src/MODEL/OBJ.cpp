@@ -10,6 +10,7 @@ namespace quelmark {
 ObjectRecord* ObjTable = nullptr;
 std::int32_t ObjectTableSize = 0;
 std::int32_t ObjLast = 0;
+std::int32_t ModelEdit = 0;
 std::int32_t ObjCurrent = 0;
 
 void ObjInit(std::int32_t count) {
@@ -18,6 +19,7 @@ void ObjInit(std::int32_t count) {
         static_cast<std::uint32_t>(static_cast<std::size_t>(ObjectTableSize + 1) * sizeof(ObjectRecord))));
     ObjLast = 0;
     ObjCurrent = 0;
+    ModelEdit = 0;
     ++ObjRevision;
 }
 

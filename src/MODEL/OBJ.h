@@ -17,6 +17,8 @@ extern ObjectRecord* ObjTable;
 extern std::int32_t ObjectTableSize;
 extern std::int32_t ObjLast;
 extern std::int32_t ObjCurrent;
+// 1 when the model has changed otherwise than an object: a change of it alone needs no object to be told.
+extern std::int32_t ModelEdit;
 
 void ObjInit(std::int32_t count);
 void ObjExit();

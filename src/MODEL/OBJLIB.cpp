@@ -102,6 +102,12 @@ std::int32_t Edit(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
+std::int32_t EditModel(std::int32_t, std::int32_t argc, DataCell* argv) {
+    ModelEdit = argc > 0 ? argv[0].integer : ModelEdit;
+    StackPushInt(ModelEdit);
+    return RESULT;
+}
+
 std::int32_t Delete(std::int32_t, std::int32_t, DataCell* argv) {
     StackPushBool(ObjDelete(argv[0].integer));
     return RESULT;
@@ -121,6 +127,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "ObjName", Name, Takes("ObjFile", {TYPE_INT, TYPE_OBJECT}, 1)},
     {"", "ObjFile", File, Takes("ObjFile", {TYPE_INT, TYPE_OBJECT}, 1)},
     {"", "ObjEdit", Edit, Takes("ObjEdit", {TYPE_INT, TYPE_INT}, 1)},
+    {"", "ModelEdit", EditModel, Takes("ModelEdit", {TYPE_INT}, 0)},
     {"", "ObjDelete", Delete, Takes("ObjDelete", {TYPE_INT})},
     {"", "ObjPolygons", Polygons, Takes("ObjPolygons", {TYPE_INT}, 0)},
 };

@@ -17,7 +17,7 @@ namespace {
 
 struct ModelState {
     Image polygons, attributes, objects;
-    std::int32_t attrLast, attrCurrent, objLast, objCurrent, selectCount;
+    std::int32_t attrLast, attrCurrent, objLast, objCurrent, modelEdit, selectCount;
 
     bool operator==(const ModelState&) const = default;
 };
@@ -52,7 +52,7 @@ std::span<char> Objects() {
 
 // A state without its images.
 ModelState PresentNumbers() {
-    return {{}, {}, {}, AttrLast, AttrCurrent, ObjLast, ObjCurrent, SelectCount};
+    return {{}, {}, {}, AttrLast, AttrCurrent, ObjLast, ObjCurrent, ModelEdit, SelectCount};
 }
 
 // What the present state probably resembles: the states beside it.
@@ -79,6 +79,7 @@ void PutNumbersBack(const Step& step) {
     ObjLast = state.objLast;
     AttrCurrent = state.attrCurrent;
     ObjCurrent = state.objCurrent;
+    ModelEdit = step.isBeforeSave ? 1 : state.modelEdit;
     SelectCount = state.selectCount;
     for (std::int32_t i = 0; step.isBeforeSave && i <= ObjLast; ++i) {
         ObjTable[i].edit = ObjTable[i].used;

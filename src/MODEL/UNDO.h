@@ -28,8 +28,8 @@ bool UndoCancel();
 // The name of the step that Undo, or Redo, would take; "" when there is none.
 std::string_view UndoText();
 std::string_view RedoText();
-// The model has been written to its file: a state kept before now differs from the file, so its objects come
-// back with the edit mark.
+// The model has been written to its file: a state kept before now differs from the file, so it and its
+// objects come back with the edit mark.
 void UndoSaved();
 // The limit in bytes.
 void UndoLimit(std::size_t bytes);

@@ -18,7 +18,7 @@ std::string ModelBytes() {
                  static_cast<std::size_t>(AttributeCount) * sizeof(AttributeRecord));
     bytes.append(reinterpret_cast<const char*>(ObjTable),
                  static_cast<std::size_t>(ObjectTableSize) * sizeof(ObjectRecord));
-    for (const std::int32_t number : {AttrLast, AttrCurrent, ObjLast, ObjCurrent, SelectCount}) {
+    for (const std::int32_t number : {AttrLast, AttrCurrent, ObjLast, ObjCurrent, ModelEdit, SelectCount}) {
         bytes += std::to_string(number) + " ";
     }
     return bytes;
@@ -119,8 +119,19 @@ TEST_F(UndoSteps, AStateFromBeforeASaveComesBackEdited) {
     UndoSaved();
     Undo();
     EXPECT_EQ(ObjTable[0].edit, 1);
+    EXPECT_EQ(ModelEdit, 1);
     Redo();
     EXPECT_EQ(ObjTable[0].edit, 0);
+    EXPECT_EQ(ModelEdit, 0);
+}
+TEST_F(UndoSteps, TheEditMarkOfTheModelGoesWithItsStates) {
+    UndoMark("an attribute without objects");
+    AttrAlloc("red");
+    ModelEdit = 1;
+    Undo();
+    EXPECT_EQ(ModelEdit, 0);
+    Redo();
+    EXPECT_EQ(ModelEdit, 1);
 }
 TEST_F(UndoSteps, TheOldestStepsGoWhenTheLimitIsPassedButTheNewestStays) {
     AddTriangle(0);

@@ -44,7 +44,7 @@ constexpr Names FUNCTIONS[] = {
      "AttrDif AttrSpc AttrSize AttrRef AttrTra AttrRfr AttrAtt AttrMap AttrMapFile GetAttrMapSize "
      "GetAttrMapView GetAttrMapWind SetAttrMapSize SetAttrMapView SetAttrMapWind"},
     {"String", "AttrAppend AttrSearch AttrReadFile AttrWriteFile"},
-    {"", "ObjCurrent Objects ObjChange ObjName ObjFile ObjEdit ObjDelete ObjPolygons"},
+    {"", "ObjCurrent Objects ObjChange ObjName ObjFile ObjEdit ModelEdit ObjDelete ObjPolygons"},
     {"String", "ObjAppend ObjSearch"},
     {"",
      "SelectAll SelectArea SelectPers SelectAttr SelectObj SelectPolyType SelectBox SelectPolygons Select "
