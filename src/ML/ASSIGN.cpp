@@ -87,6 +87,9 @@ void EmitAssign(NodeId target, NodeId value) {
         return;
     }
     const ElementPlace place = EmitPlace(target, node.calls || NodeOf(value).calls);
+    if (NodeOf(value).calls) {
+        EmitElementCheck(place);
+    }
     if (!EmitConstantElement(place, value)) {
         EmitElementWrite(place, EmitValue(value));
     }

@@ -58,6 +58,7 @@ namespace quelmark {
     OP(SET_ELEMENT_CONSTANT, "-ss-", "b[c] = constant of type a in value, no object")        \
     OP(SET_GLOBAL_ELEMENT, "ss--", "global value [b] = a")                                   \
     OP(SET_GLOBAL_ELEMENT_K, "s---", "global value [constant b] = a")                        \
+    OP(PLACE, "-ss-", "there must be an element b[c]")                                       \
     OP(ARRAY, "ss--", "variable a becomes an array; c sizes start at b")                     \
     OP(FIT, "s---", "the array a has room for value elements")                               \
     QUELMARK_ARITHMETIC(OP, ADD)                                                             \

@@ -158,6 +158,10 @@ void SetElementConstant(const Instruction& i, const Frame& frame) {
     Assign(ElementAt(frame.base[i.b], frame.base[i.c]), {&constant, false});
 }
 
+void CheckPlace(const Instruction& i, const Frame& frame) {
+    ElementAt(frame.base[i.b], frame.base[i.c]);
+}
+
 void DeclareArrayInSlot(const Instruction& i, const Frame& frame) {
     DeclareArray(frame.base + i.a, frame.base + i.b, i.c);
 }

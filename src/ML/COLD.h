@@ -48,6 +48,7 @@ QUELMARK_COLD void GetRow(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void GetElement2(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void SetElement2(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void SetElementConstant(const Instruction& i, const Frame& frame);
+QUELMARK_COLD void CheckPlace(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void DeclareArrayInSlot(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void CheckFit(const Instruction& i, const Frame& frame);
 QUELMARK_COLD void DropSlot(const Instruction& i, const Frame& frame);

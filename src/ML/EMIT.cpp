@@ -368,6 +368,11 @@ ElementPlace EmitPlace(NodeId element, bool callsLater) {
 void EmitElementRead(const ElementPlace& place, std::uint16_t slot) {
     EmitElement(READ, place, slot);
 }
+void EmitElementCheck(const ElementPlace& place) {
+    const TemporaryScope scope;
+    const std::uint16_t array = EmitDescend(place, 1);
+    Emit(Opcode::PLACE, 0, array, SubscriptSlot(place.subscripts.back()));
+}
 void EmitElementWrite(const ElementPlace& place, std::uint16_t slot) {
     EmitElement(WRITE, place, slot);
 }

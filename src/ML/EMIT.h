@@ -67,6 +67,8 @@ struct ElementPlace {
 // `callsLater`: script code may run before the place is used, so variables among the subscripts are read now.
 ElementPlace EmitPlace(NodeId element, bool callsLater);
 void EmitElementRead(const ElementPlace& place, std::uint16_t slot);
+// Reports a place that is not there before its value is computed.
+void EmitElementCheck(const ElementPlace& place);
 void EmitElementWrite(const ElementPlace& place, std::uint16_t slot);
 
 // A comparison that a jump instruction can make itself.

@@ -231,6 +231,12 @@ std::int32_t Execute() {
         }
         SLOW(SetElementConstant(*i, *frame));
     }
+    CASE(PLACE) {
+        if (ElementOf(base[i->b], base[i->c]) != nullptr) [[likely]] {
+            NEXT;
+        }
+        SLOW(CheckPlace(*i, *frame));
+    }
     CASE(ARRAY) {
         SLOW(DeclareArrayInSlot(*i, *frame));
     }

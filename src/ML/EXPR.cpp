@@ -152,16 +152,16 @@ NodeId ParsePrimary() {
 NodeId ParsePostfix() {
     NodeId node = ParsePrimary();
     while (CurrentToken.kind == SYM_DOT || CurrentToken.kind == SYM_ARROW) {
-        const ScanPlace place = ScanRemember();
-        if (NextToken() != TOKEN_IDENTIFIER) {
-            ScanReturn(place);
-            break;
+        if (ScanFollowedBy('"')) {
+            break;  // a literal is scanned once only: it makes an object
         }
-        const std::string name = CurrentToken.text;
-        if (NextToken() != SYM_LEFT_PAREN) {
+        const ScanPlace place = ScanRemember();
+        if (NextToken() != TOKEN_IDENTIFIER || !ScanFollowedBy('(')) {
             ScanReturn(place);  // the operator of that sign
             break;
         }
+        const std::string name = CurrentToken.text;
+        NextToken();
         node = ParseCall(FunctionOrError(name), node);
     }
     return node;

@@ -127,6 +127,13 @@ TEST_F(Parser, PrivateFunctionsStayCallableByTheirOwnFile) {
     EXPECT_EQ(RunMore("private function hidden() { return 1; } function open() { return hidden(); }"), "");
     EXPECT_EQ(RunMore("function hidden() { return 2; } print(open(), hidden());"), "1 2");
 }
+TEST_F(Parser, ALiteralBehindADotOrABinaryNameIsOneObject) {
+    Start();
+    EXPECT_EQ(RunMore("function f(x, y) { return x . \"b\"; }"), "");
+    EXPECT_EQ(ObjectCount, 1);
+    EXPECT_EQ(RunMore("function g(x, y) { return x -> \"b\" \"c\"; }"), "");
+    EXPECT_EQ(ObjectCount, 2);
+}
 TEST_F(Parser, MissingNamesAreReported) {
     EXPECT_EQ(Error("var 1;"), "識別子が必要です");
     EXPECT_EQ(Error("var ;"), "識別子が必要です");
