@@ -68,10 +68,20 @@ void EmitLoopTest(NodeId condition, std::int32_t body, std::int32_t line) {
     EmitFreeTemporaries();
 }
 
-// The step of a `for`: a statement whose `;` may be missing before the `)`.
+// The first statement of a `for`, and its condition.
+NodeId ParseForStart() {
+    const SemicolonRule rule(false);
+    ParseStatement();
+    const NodeId condition = ParseExpression();
+    ExpectSemicolon();
+    return condition;
+}
+
+// The step of a `for`: a statement whose `;` may be missing before the `)`, or nothing.
 void ParseStep(std::int32_t line) {
     const bool isKeyword = CurrentToken.kind >= TOKEN_KEYWORD && CurrentToken.kind < TOKEN_CONSTANT;
     if (isKeyword || CurrentToken.kind == SYM_LEFT_BRACE) {
+        const SemicolonRule rule(true);
         ParseStatement();
         return;
     }
@@ -187,9 +197,7 @@ void ParseFor(std::int32_t line) {
     NextToken();
     BeginStatement(STATEMENT_FOR, line);
     Expect(SYM_LEFT_PAREN, " ( が必要です。"_sjis);
-    ParseStatement();
-    const NodeId condition = ParseExpression();
-    ExpectSemicolon();
+    const NodeId condition = ParseForStart();
     const LoopStep step = ParseLoopStep(line);
     Expect(SYM_RIGHT_PAREN, " ) が必要です。"_sjis);
     CodePosition(line);
@@ -229,7 +237,7 @@ void ParseReturn(std::int32_t line) {
     const NodeScope nodes;
     NextToken();
     BeginStatement(STATEMENT_RETURN, line);
-    if (CurrentToken.kind == SYM_SEMICOLON) {
+    if (AtStatementEnd()) {
         EmitLeave();
     } else {
         const std::uint16_t value = EmitValue(ParseExpression());

@@ -46,6 +46,7 @@ IdentTablePtr globalNames;
 IdentTablePtr localNames;
 std::int32_t globalRoom = 0;
 std::int32_t statementDepth = 0;  // 1 for the outermost statement
+bool semicolonMayBeMissing = false;
 
 void PurgePrivateNames() {
     IdentPurgePrivate(globalNames.get());
@@ -87,8 +88,25 @@ void ParseAssignment(const Variable& variable, std::int32_t line) {
 
 }  // namespace
 
+SemicolonRule::SemicolonRule(bool mayBeMissing) : before_(semicolonMayBeMissing) {
+    semicolonMayBeMissing = mayBeMissing;
+}
+SemicolonRule::~SemicolonRule() {
+    semicolonMayBeMissing = before_;
+}
+
+bool AtStatementEnd() {
+    return CurrentToken.kind == SYM_SEMICOLON ||
+           (semicolonMayBeMissing && CurrentToken.kind == SYM_RIGHT_PAREN);
+}
+
+void ExpectSemicolon(const char* message) {
+    if (!Accept(SYM_SEMICOLON) && !AtStatementEnd()) {
+        CompileError("%s", message);
+    }
+}
 void ExpectSemicolon() {
-    Expect(SYM_SEMICOLON, " ; が必要です。"_sjis);
+    ExpectSemicolon(" ; が必要です。"_sjis);
 }
 
 void BeginStatement(StatementKind kind, std::int32_t line) {
@@ -166,7 +184,7 @@ void ParseVariables(std::int32_t line) {
             break;
         }
     }
-    Expect(SYM_SEMICOLON, ";が必要です"_sjis);
+    ExpectSemicolon(";が必要です"_sjis);
 }
 
 // ---- functions ----
@@ -246,6 +264,7 @@ void ParseFunction(bool isPrivate, std::int32_t line) {
 }
 
 void ParseBlock(std::int32_t line) {
+    const SemicolonRule rule(false);
     NextToken();
     BeginStatement(STATEMENT_BLOCK, line);
     while (!Accept(SYM_RIGHT_BRACE)) {

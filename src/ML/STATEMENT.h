@@ -32,11 +32,26 @@ enum StatementKind : std::uint16_t {
 void ParseStatement();
 // An assignment when the statement begins with a variable, else an expression; without the `;`.
 void ParseSimple(std::int32_t line);
+// The `;` is next, or the `)` in whose place it may be missing.
+bool AtStatementEnd();
+void ExpectSemicolon(const char* message);
 void ExpectSemicolon();
 // The start of a statement: where its errors are reported, and its trace line.
 void BeginStatement(StatementKind kind, std::int32_t line);
 // True when no other statement is around the one being parsed.
 bool StatementIsOutermost();
+
+// While this lives a statement may end without its `;` before a `)`, or may not.
+class SemicolonRule {
+  public:
+    explicit SemicolonRule(bool mayBeMissing);
+    ~SemicolonRule();
+    SemicolonRule(const SemicolonRule&) = delete;
+    SemicolonRule& operator=(const SemicolonRule&) = delete;
+
+  private:
+    bool before_;
+};
 
 // The nodes made while this lives are gone afterwards.
 class NodeScope {
