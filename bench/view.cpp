@@ -374,6 +374,11 @@ void MeasurePicture(int rounds) {
     };
     const Work paint = [] { PainterDrawIndexed(ViewFrame.pixels.data(), WIDTH, HEIGHT, ViewFrame.stride); };
     PainterBegin(WIDTH, HEIGHT, {});
+    const Comparison fill(rounds, 20, {[&] {
+                              std::fill(picture.begin(), picture.end(), palette[1]);
+                              palette[1] += picture[1];
+                          }});
+    std::printf("a 32-bit picture filled with one colour %9.4f ms\n", fill.Time(0));
     PrintAgainst("frame to a 32-bit picture",
                  Comparison(rounds, 20, {[&] { expand(ViewFrame.Bounds()); }, paint, CopyFrame}));
     PrintAgainst("palette change, in all rows",
