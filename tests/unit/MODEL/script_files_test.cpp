@@ -12,8 +12,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* FAMILIES[] = {"polygon",   "vertex",    "attribute", "object",
-                                    "selection", "vertexset", "edge"};
+constexpr const char* FAMILIES[] = {"polygon", "vertex",    "attribute", "object",
+                                    "matrix",  "selection", "vertexset", "edge"};
 
 struct Example {
     std::string name;  // letters, digits and underscores
