@@ -1,10 +1,12 @@
 #include "MODEL/SHADE.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <vector>
 
 #include "ML/ERROR.h"
 #include "MODEL/OBJ.h"
@@ -20,14 +22,59 @@ namespace {
 
 constexpr std::int32_t PROBE_STEP = 997;  // odd, so it visits every slot of a table of a power of two
 
-// Slots found lately, by a second key: neighbouring polygons ask for the same positions, and where
-// coordinates repeat in a regular way the probe for one is long.
+// Where coordinates repeat in a regular way the probe for a position is long. Two things besides the table
+// spare most of it: the slots found lately, as neighbouring polygons ask for the same positions, and one bit
+// for what is in the table, as a position whose bit is not set need not be compared with any entry.
 constexpr int RECENT_BITS = 14;
+constexpr int SEEN_BITS_A_SLOT = 4;
+constexpr int WORD_BITS = 64;
+constexpr std::int32_t SKIP_MOST = INT16_MAX;
 std::array<std::int32_t, 1 << RECENT_BITS> recentSlots;
+std::vector<std::uint64_t> seenWords;
 
-std::size_t RecentKey(const VertexRecord& v) {
-    const auto word = [](std::int16_t value) { return static_cast<std::uint32_t>(value); };
-    return (word(v.x) * 73856093U ^ word(v.y) * 19349663U ^ word(v.z) * 83492791U) >> (32 - RECENT_BITS);
+// Well mixed in the high bits.
+std::uint64_t MixedKey(const VertexRecord& v) {
+    const auto word = [](std::int16_t value) -> std::uint64_t { return static_cast<std::uint16_t>(value); };
+    const std::uint64_t key = word(v.x) << 32 | word(v.y) << 16 | word(v.z);
+    return (key ^ key >> 15) * 0x9E3779B97F4A7C15U;
+}
+
+// The word and the bit of a position.
+struct Seen {
+    std::uint64_t& word;
+    std::uint64_t bit;
+};
+Seen SeenAt(std::uint64_t mixed) {
+    const std::uint64_t at = (mixed >> 16) & (seenWords.size() * WORD_BITS - 1);
+    return {seenWords[at / WORD_BITS], std::uint64_t{1} << (at % WORD_BITS)};
+}
+
+std::int32_t SlotAfter(std::int32_t slot, std::int32_t steps) {
+    return (slot + steps * PROBE_STEP) & HashMask;
+}
+
+// The slots of the probe from a used one on that need no look.
+std::int32_t SkipOf(std::int32_t slot) {
+    return std::max<std::int32_t>(HashTable[slot].skip, 1);
+}
+
+// Where a probe ends that meets no equal entry. Every skip on the way takes in the one behind it.
+std::int32_t FirstEmpty(std::int32_t slot) {
+    std::int32_t steps = 0;
+    while (steps < HashSize && HashTable[slot].flag != 0) {
+        HashEntry& entry = HashTable[slot];
+        Check(entry.flag == 1, "HashTable[n].flag == TRUE");
+        std::int32_t skip = SkipOf(slot);
+        const std::int32_t behind = SlotAfter(slot, skip);
+        if (HashTable[behind].flag == 1) {
+            skip = std::min(skip + SkipOf(behind), SKIP_MOST);
+            entry.skip = static_cast<std::int16_t>(skip);
+        }
+        slot = SlotAfter(slot, skip);
+        steps += skip;
+    }
+    Check(steps < HashSize, "i < HashSize");
+    return slot;
 }
 
 bool IsAt(const HashEntry& entry, const VertexRecord& v) {
@@ -153,6 +200,7 @@ void HashInit(std::int32_t vertices) {
         MemoryAlloc(static_cast<std::uint32_t>(static_cast<std::size_t>(HashSize) * sizeof(HashEntry))));
     Check(HashTable != nullptr, "HashTable != NULL");
     recentSlots.fill(0);
+    seenWords.assign(static_cast<std::size_t>(std::max(HashSize * SEEN_BITS_A_SLOT / WORD_BITS, 1)), 0);
 }
 
 void HashExit() {
@@ -160,14 +208,21 @@ void HashExit() {
         MemoryFree(HashTable);
     }
     HashTable = nullptr;
+    seenWords = {};
 }
 
 HashEntry& HashFind(const VertexRecord& position) {
-    std::int32_t& recent = recentSlots[RecentKey(position)];
+    const std::uint64_t mixed = MixedKey(position);
+    std::int32_t& recent = recentSlots[mixed >> (64 - RECENT_BITS)];
     if (IsAt(HashTable[recent], position)) {
         return HashTable[recent];
     }
     std::int32_t n = HashKey(position);
+    const Seen seen = SeenAt(mixed);
+    if ((seen.word & seen.bit) == 0) {
+        recent = FirstEmpty(n);
+        return HashTable[recent];
+    }
     for (std::int32_t i = 0; i < HashSize; ++i, n = (n + PROBE_STEP) & HashMask) {
         HashEntry& entry = HashTable[n];
         if (entry.flag == 0 || IsAt(entry, position)) {
@@ -184,6 +239,8 @@ HashEntry& HashAdd(const VertexRecord& position, const std::int16_t normal[3]) {
     HashEntry& entry = HashFind(position);
     if (entry.flag == 0) {
         entry = {1, 0, position.x, position.y, position.z, normal[0], normal[1], normal[2]};
+        const Seen seen = SeenAt(MixedKey(position));
+        seen.word |= seen.bit;
         return entry;
     }
     const std::int32_t side = entry.nx * normal[0] + entry.ny * normal[1] + entry.nz * normal[2];

@@ -19,7 +19,7 @@ void ShadeSelected(std::int32_t mode);
 
 struct HashEntry {
     std::int16_t flag;  // 0: empty, 1: used
-    std::int16_t reserved;
+    std::int16_t skip;  // slots of the probe from here on that are known to be used; 0: this one
     std::int16_t x, y, z;
     std::int16_t nx, ny, nz;  // sum of plane normals; wraps at 16 bits
 };

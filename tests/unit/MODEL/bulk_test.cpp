@@ -228,6 +228,30 @@ TEST_F(Bulk, TheTableKeepsCollidingPositionsApart) {
     EXPECT_EQ(HashFind(At(1, 2, 3)).flag, 0);
     HashExit();
 }
+// Positions of few keys, and some of them twice: each must stand where comparing with every entry of the
+// probe, from the key in steps of 997, puts it.
+TEST_F(Bulk, LongProbesEndWherePlainProbingEnds) {
+    HashInit(3000);
+    const std::int16_t normal[3] = {0, 0, 256};
+    std::vector<VertexRecord> slots(static_cast<std::size_t>(HashSize));
+    std::vector<bool> used(slots.size());
+    for (int i = 0; i < 3000; ++i) {
+        const int n = i % 7 == 6 ? i / 2 : i;
+        const VertexRecord v = At(n % 180 * 181 + n % 2, -(n / 180 % 60) * 479, n % 3 * 571);
+        std::int32_t at = ((v.z % 571) * 997 + (v.y % 479) * 97 + (v.x % 181)) & HashMask;
+        const auto holds = [&](const VertexRecord& other) {
+            return other.x == v.x && other.y == v.y && other.z == v.z;
+        };
+        while (used[static_cast<std::size_t>(at)] && !holds(slots[static_cast<std::size_t>(at)])) {
+            at = (at + 997) & HashMask;
+        }
+        used[static_cast<std::size_t>(at)] = true;
+        slots[static_cast<std::size_t>(at)] = v;
+        EXPECT_EQ(&HashFind(v) - HashTable, at) << i;
+        EXPECT_EQ(&HashAdd(v, normal) - HashTable, at) << i;
+    }
+    HashExit();
+}
 TEST_F(Bulk, AFullTableTripsTheProbeCheck) {
     HashInit(1);
     const std::int16_t normal[3] = {0, 0, 256};
