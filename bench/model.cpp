@@ -14,6 +14,7 @@
 #include "MATLIB/SETMAT.h"
 #include "MODEL/BULK.h"
 #include "MODEL/EDGE.h"
+#include "MODEL/OBJ.h"
 #include "MODEL/SELECT.h"
 #include "MODEL/SHADE.h"
 #include "MODEL/SUFTEXT.h"
@@ -57,9 +58,11 @@ VertexRecord Corner(Mesh mesh, std::int32_t side, std::int32_t i, std::int32_t j
     return At(i * step - 30000, j * step - 30000, static_cast<std::int32_t>(height));
 }
 
+constexpr std::int32_t OBJECTS = 256;
+
 void MakeEmptyModel(std::int64_t n) {
     ModelExit();
-    ModelInit(static_cast<std::int32_t>(n * 72 + 1024), 4, 4, 16);
+    ModelInit(static_cast<std::int32_t>(n * 72 + 1024), OBJECTS, 4, 16);
 }
 
 // A new model of about n triangles, all selected.
@@ -294,6 +297,25 @@ void BenchWrite(benchmark::State& state) {
     Report(state, PolygonCount());
 }
 
+// The whole model, its polygons spread over all objects.
+void BenchWriteObjects(benchmark::State& state) {
+    MakeModel(state.range(0), Mesh::Terrain);
+    for (std::int32_t i = 0; i < OBJECTS; ++i) {
+        ObjAlloc("part" + std::to_string(i));
+    }
+    std::int32_t next = 0;
+    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
+        polygon->obj = CutTo16(next++ % OBJECTS);
+    }
+    const ShapeFile file;
+    for (auto _ : state) {
+        if (!SaveBlock(file.name, ModelText(false), FILE_OVERWRITE)) {
+            state.SkipWithError("the file was not written");
+        }
+    }
+    Report(state, PolygonCount());
+}
+
 void BenchRead(benchmark::State& state) {
     MakeModel(state.range(0), Mesh::Terrain);
     const std::int32_t count = PolygonCount();
@@ -333,6 +355,7 @@ BENCHMARK(BenchEdgeSelect)->Apply(Sizes);
 BENCHMARK(BenchAdjoint)->Apply(Sizes);
 BENCHMARK(BenchDeleteSecond)->Apply(Sizes)->Iterations(5);
 BENCHMARK(BenchWrite)->Apply(Sizes);
+BENCHMARK(BenchWriteObjects)->Apply(Sizes);
 BENCHMARK(BenchRead)->Apply(Sizes);
 
 }  // namespace

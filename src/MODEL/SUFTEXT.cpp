@@ -1,6 +1,7 @@
 #include "MODEL/SUFTEXT.h"
 
 #include <charconv>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -149,25 +150,26 @@ void ForEachPolygon(Visit visit) {
     }
 }
 
-// The polygons that are wanted, in model order, as a block of this name.
-template <typename Wanted>
-bool AppendObject(std::string& text, std::string_view name, Wanted wanted) {
+using Polygons = std::span<const PolygonRecord* const>;
+
+// The polygons, in this order, as a block of this name.
+bool AppendObject(std::string& text, std::string_view name, Polygons polygons) {
     text += "obj suf ";
     bool good = AppendName(text, name);
     text += " {\n";
     std::int32_t attribute = INT32_MIN;  // the first polygon always differs
-    ForEachPolygon([&](const PolygonRecord& polygon) {
-        if (!good || !wanted(polygon)) {
-            return;
-        }
-        if (polygon.attr != attribute) {
-            attribute = polygon.attr;
+    for (const PolygonRecord* polygon : polygons) {
+        if (polygon->attr != attribute) {
+            attribute = polygon->attr;
             text += "atr ";
-            good = AppendName(text, AttributeName(polygon.attr));
+            good = good && AppendName(text, AttributeName(polygon->attr));
             text += "\n";
         }
-        AppendPolygon(text, polygon);
-    });
+        if (!good) {
+            break;
+        }
+        AppendPolygon(text, *polygon);
+    }
     text += "}\n";
     return good;
 }
@@ -211,23 +213,26 @@ SufText AttributeText(const AttributeRecord& attribute) {
 }
 
 SufText ObjectText(std::string_view name) {
+    std::vector<const PolygonRecord*> selected;
+    ForEachPolygon([&selected](const PolygonRecord& polygon) {
+        if (polygon.select == 1) {
+            selected.push_back(&polygon);
+        }
+    });
     std::string text;
-    const auto selected = [](const PolygonRecord& polygon) { return polygon.select == 1; };
     return AppendObject(text, name, selected) ? SufText(std::move(text)) : SufText();
 }
 
 SufText ModelText(bool selectedOnly) {
-    const auto wanted = [selectedOnly](const PolygonRecord& polygon) {
-        return !selectedOnly || polygon.select == 1;
-    };
-    std::vector<std::int32_t> ofObject(static_cast<std::size_t>(ObjectTableSize));
+    const auto objects = static_cast<std::size_t>(ObjectTableSize);
+    std::vector<std::vector<const PolygonRecord*>> polygonsOf(objects + 1);  // the last ones have no object
     std::vector<bool> usesAttribute(static_cast<std::size_t>(AttributeCount));
-    std::int32_t ofNone = 0;
     ForEachPolygon([&](const PolygonRecord& polygon) {
-        if (!wanted(polygon)) {
+        if (selectedOnly && polygon.select != 1) {
             return;
         }
-        ++(IsObject(polygon.obj) ? ofObject[static_cast<std::size_t>(polygon.obj)] : ofNone);
+        polygonsOf[IsObject(polygon.obj) ? static_cast<std::size_t>(polygon.obj) : objects].push_back(
+            &polygon);
         if (0 <= polygon.attr && polygon.attr < AttributeCount) {
             usesAttribute[static_cast<std::size_t>(polygon.attr)] = true;
         }
@@ -243,16 +248,14 @@ SufText ModelText(bool selectedOnly) {
         }
     }
     for (std::int32_t i = 0; i < ObjectTableSize; ++i) {
-        const auto ofThis = [&](const PolygonRecord& polygon) { return wanted(polygon) && polygon.obj == i; };
-        if (IsObject(i) && (!selectedOnly || ofObject[static_cast<std::size_t>(i)] > 0) &&
-            !AppendObject(text, ObjTable[i].name, ofThis)) {
+        const auto& polygons = polygonsOf[static_cast<std::size_t>(i)];
+        if (IsObject(i) && (!selectedOnly || !polygons.empty()) &&
+            !AppendObject(text, ObjTable[i].name, polygons)) {
             return {};
         }
     }
-    const auto ofNoObject = [&](const PolygonRecord& polygon) {
-        return wanted(polygon) && !IsObject(polygon.obj);
-    };
-    if ((ofNone > 0 || text.empty()) && !AppendObject(text, "no", ofNoObject)) {
+    const auto& others = polygonsOf[objects];
+    if ((!others.empty() || text.empty()) && !AppendObject(text, "no", others)) {
         return {};
     }
     return text;
