@@ -54,6 +54,11 @@ std::int32_t ReadFrame(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
+std::int32_t WasStopped(std::int32_t, std::int32_t, DataCell*) {
+    StackPushBool(ReadWasStopped());
+    return RESULT;
+}
+
 std::int32_t Write(std::int32_t, std::int32_t argc, DataCell* argv) {
     StackPushInt(ObjWrite(argv[0].integer, argc > 1 ? argv[1].integer : 0) ? 1 : 0);
     return RESULT;
@@ -109,6 +114,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"String", "ObjReadFile", Read<ReadShapeFile>, Takes("ObjReadFile", {TYPE_OBJECT, TYPE_INT}, 1)},
     {"String", "AttrReadFile", Read<ReadAttributeFile>, Takes("AttrReadFile", {TYPE_OBJECT, TYPE_INT}, 1)},
     {"String", "FrmReadFile", ReadFrame, Takes("FrmReadFile", {TYPE_OBJECT, TYPE_ANY, TYPE_ANY}, 1)},
+    {"", "ReadStopped", WasStopped, Takes("ReadStopped", {})},
     {"", "WriteFile", Write, Takes("WriteFile", {TYPE_INT, TYPE_INT}, 1)},
     {"", "ObjWriteFile", Write, Takes("ObjWriteFile", {TYPE_INT, TYPE_INT}, 1)},
     {"String", "AttrWriteFile", WriteAttribute, Takes("AttrWriteFile", {TYPE_OBJECT, TYPE_INT, TYPE_INT}, 2)},

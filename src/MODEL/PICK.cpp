@@ -3,9 +3,12 @@
 #include <algorithm>
 
 #include "MATLIB/SETMAT.h"
+#include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "MODEL/NEAREST.h"
 #include "MODEL/SELECT.h"
+#include "MODEL/VERTEX.h"
+#include "text/sjis.h"
 #include "view/VIEW.h"
 
 namespace quelmark {
@@ -109,10 +112,39 @@ std::int32_t SelectPers(std::int32_t, std::int32_t, DataCell* argv) {
     return NO_RESULT;
 }
 
+// x, y: a point of the pane.
+std::int32_t PickVertex(std::int32_t, std::int32_t, DataCell* argv) {
+    VertexRecord vertex{};
+    if (ViewPickVertex(argv[0].integer, argv[1].integer, vertex)) {
+        StackPushVertex(vertex, 0);
+    } else {
+        StackPushBool(false);
+    }
+    return RESULT;
+}
+
+// x, y, array for the two ends.
+std::int32_t PickEdge(std::int32_t, std::int32_t, DataCell* argv) {
+    if (ArrayCount(argv[2]) < 2) {
+        RuntimeError("%s", "引数配列のサイズが不正です。(PickEdge)"_sjis);
+    }
+    VertexRecord ends[2]{};
+    const bool found = ViewPickEdge(argv[0].integer, argv[1].integer, ends[0], ends[1]);
+    for (int i = 0; found && i < 2; ++i) {
+        StackPushVertex(ends[i], 0);
+        CellAssign(ArrayElements(argv[2])[i], *StackTop());
+        StackPop();
+    }
+    StackPushBool(found);
+    return RESULT;
+}
+
 // The first two check their own arguments.
 constexpr BuiltIn FUNCTIONS[] = {
     {"Vertex", "PolyVertex", PolyVertex},
     {"Vertex", "PolyPlane", PolyPlane},
+    {"", "PickVertex", PickVertex, Takes("PickVertex", {TYPE_INT, TYPE_INT})},
+    {"", "PickEdge", PickEdge, Takes("PickEdge", {TYPE_INT, TYPE_INT, TYPE_ARRAY})},
     {"", "SelectPers", SelectPers,
      Takes("SelectPers", {TYPE_FLAG, TYPE_INT, TYPE_INT, TYPE_INT, TYPE_INT, TYPE_INT})},
 };

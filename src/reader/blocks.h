@@ -16,8 +16,9 @@ struct ReadState {
     std::int32_t levels = 0;     // part references that are open
     std::int32_t parts = 0;      // part references so far
     std::int64_t partBytes = 0;  // and the bytes of their files
-    bool stopped =
-        false;  // a table is full or the references are too many: reported, and nothing more is read
+    // A table is full, the references are too many, or the ESC key was pressed: reported, and nothing more is
+    // read.
+    bool stopped = false;
     // The reference stack: the matrix of each level takes its points to the model's.
     std::array<Matrix, LEVELS_MOST + 1> matrices{};
     std::array<bool, LEVELS_MOST + 1> moving{};  // it is not the unit matrix

@@ -133,6 +133,7 @@ void ReaderSetCancelCheck(CancelCheck check) {
 void PollCancel() {
     if (cancelCheck != nullptr && cancelCheck()) {
         ScannerReport(SCANNER_ESCAPE);
+        Reading.stopped = true;
     }
 }
 
@@ -144,6 +145,10 @@ bool EndRead() {
     ShapeClose();
     ReaderEnd();
     return ReaderSeverity < SEVERITY_CONSTRUCT && !Reading.stopped;
+}
+
+bool ReadWasStopped() {
+    return Reading.stopped;
 }
 
 void ReadBlocks(std::string_view file, ShapeBlock* into) {

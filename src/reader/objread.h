@@ -22,6 +22,9 @@ bool ReadShapeFile(std::string_view name, std::int32_t mode);
 bool ReadFrameFile(std::string_view name, std::int32_t mode);
 // Reads the attribute blocks of a shape file; mode 1 merges by name. True as above.
 bool ReadAttributeFile(std::string_view name, std::int32_t mode);
+// What was read last ended before its time: a table or the data buffer is full, its references are too many,
+// or the ESC key was pressed.
+bool ReadWasStopped();
 // The part search: true and the path found, or false and the name as given.
 bool FindPartFile(std::string_view name, std::string_view shapeDirectory, std::string& path);
 

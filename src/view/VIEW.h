@@ -128,5 +128,10 @@ bool ViewDrawCurrent(bool exclusiveOr);
 // A pick: the visible polygon whose outline passes nearest to a pane point, at most `reach` pixels away; null
 // when none does.
 PolygonRecord* ViewPick(std::int32_t x, std::int32_t y, std::int32_t reach);
+// The vertex, and the two ends of the edge, that pass nearest to a pane point on the screen, however far; of
+// equals the one nearer to the viewer. Of the selected polygons, or of all visible ones when none is
+// selected. False when there is none.
+bool ViewPickVertex(std::int32_t x, std::int32_t y, VertexRecord& vertex);
+bool ViewPickEdge(std::int32_t x, std::int32_t y, VertexRecord& from, VertexRecord& to);
 
 }  // namespace quelmark

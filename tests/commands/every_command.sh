@@ -40,9 +40,9 @@ try() {
     play session.input > log
     status=$?
     read -r ran asked changed < <(sed -n 's/^ran \([0-9]*\) asked \([0-9]*\) changed \([0-9]*\).*/\1 \2 \3/p' log)
-    # A full table or buffer is told, and the model stays as it was; a file that is added keeps what could be read of it.
+    # A full table or buffer is told, and the model stays as it was.
     awk '/^command / { name = $0; full = 0 } /オーバフロー|オーバーフロー/ { full = 1 }
-        /^changed/ && full && name !~ /読み加える/ { print "FAULT " name " changes the model though it does not fit" }
+        /^changed/ && full { print "FAULT " name " changes the model though it does not fit" }
         /^FAULT/ || /Error|Fatal|Internal check/ { print name ": " $0 }' log > faults
     if [ $status -ne 0 ] || [ -s faults ] || [ "$ran" != "$wanted" ] || [ "$asked" -lt "$askedLeast" ] ||
         [ "$changed" -lt "$changedLeast" ]; then

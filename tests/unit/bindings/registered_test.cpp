@@ -35,7 +35,7 @@ constexpr Names FUNCTIONS[] = {
      "PolyPlane"},
     {"",
      "PolyGetVertex PolyDelVertex PolyVertexs PolyType PolyAttr PolyObj PolyAppend PolyLoad PolyLoadInit "
-     "PolySave PolyDelete PolyInvisible WriteFile ObjWriteFile PolyShade PolyShadeInv PolyMap "
+     "PolySave PolyDelete PolyInvisible ReadStopped WriteFile ObjWriteFile PolyShade PolyShadeInv PolyMap "
      "PolyShiftVertex PolyInvVertex PolyVector"},
     {"Matrix", "PolyMove WriteFrame"},
     {"String", "ReadFile ObjReadFile FrmReadFile"},
@@ -47,7 +47,8 @@ constexpr Names FUNCTIONS[] = {
     {"", "ObjCurrent Objects ObjChange ObjName ObjFile ObjEdit ModelEdit ObjDelete ObjPolygons"},
     {"String", "ObjAppend ObjSearch"},
     {"",
-     "SelectAll SelectArea SelectPers SelectAttr SelectObj SelectPolyType SelectBox SelectPolygons Select "
+     "SelectAll SelectArea SelectPers PickVertex PickEdge SelectAttr SelectObj SelectPolyType SelectBox "
+     "SelectPolygons Select "
      "SelectCurrent SelectHold SelectHeld"},
     {"Select", "Select SelectPolygons SelectAdjoint SelectNumber PolyLoad PolyDelete tostring"},
     {"", "VertexSet VertexSelect"},
