@@ -129,6 +129,11 @@ std::int32_t Shade(std::int32_t, std::int32_t, DataCell* argv) {
     return NO_RESULT;
 }
 
+std::int32_t ShadeOnce(std::int32_t, std::int32_t, DataCell*) {
+    ShadeAgain();
+    return NO_RESULT;
+}
+
 std::int32_t ShadeInverse(std::int32_t, std::int32_t, DataCell*) {
     PolygonReverseNormals();
     return NO_RESULT;
@@ -213,6 +218,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"Matrix", "PolyMove", Move, Takes("PolyMove", {TYPE_OBJECT})},
     {"", "PolyInvisible", Invisible, Takes("PolyInvisible", {TYPE_FLAG})},
     {"", "PolyShade", Shade, Takes("PolyShade", {TYPE_FLAG})},
+    {"", "PolyShadeAgain", ShadeOnce, Takes("PolyShadeAgain", {})},
     {"", "PolyShadeInv", ShadeInverse, Takes("PolyShadeInv", {})},
     {"", "PolyMap", Map,
      Takes("PolyMap", {TYPE_FLAG, TYPE_OBJECT, TYPE_INT, TYPE_INT, TYPE_INT, TYPE_INT}, 1)},

@@ -10,6 +10,7 @@
 
 #include "ML/ERROR.h"
 #include "MODEL/OBJ.h"
+#include "MODEL/OPENTABLE.h"
 #include "MODEL/TRANSFORM.h"
 
 namespace quelmark {
@@ -176,7 +177,83 @@ void ShadeSmooth() {
     }
 }
 
+// ---- normals of polygons that have changed ----
+
+// The corners that had one normal at one position, and the sum of their polygons' plane normals.
+struct CornerEntry {
+    std::int16_t place[6];
+    bool isUsed;
+    double sum[3];
+
+    bool IsUsed() const { return isUsed; }
+    bool IsSame(const CornerEntry& other) const { return std::ranges::equal(place, other.place); }
+    std::uint64_t Key() const {
+        std::uint64_t key = 0;
+        for (const std::int16_t word : place) {
+            key = key * 0x9E3779B97F4A7C15U + static_cast<std::uint16_t>(word);
+        }
+        return key;
+    }
+};
+
+CornerEntry CornerOf(const VertexRecord& v) {
+    return {{v.x, v.y, v.z, v.nx, v.ny, v.nz}, true, {0, 0, 0}};
+}
+
+bool HasOneNormal(const PolygonRecord& polygon) {
+    const VertexRecord& first = polygon.vertex[0];
+    return std::ranges::all_of(polygon.Vertices(), [&first](const VertexRecord& v) {
+        return v.nx == first.nx && v.ny == first.ny && v.nz == first.nz;
+    });
+}
+
+void SetNormal(VertexRecord& v, const double normal[3]) {
+    const double length = std::hypot(normal[0], normal[1], normal[2]);
+    if (length > 0) {
+        v.nx = static_cast<std::int16_t>(std::lround(normal[0] * 256 / length));
+        v.ny = static_cast<std::int16_t>(std::lround(normal[1] * 256 / length));
+        v.nz = static_cast<std::int16_t>(std::lround(normal[2] * 256 / length));
+    }
+}
+
+// Calls visit(polygon, its plane normal) for those that carry normals.
+template <class Visit>
+void ForEachShaded(Visit visit) {
+    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
+        if ((polygon->type & POLY_SHADE) != 0) {
+            std::int16_t plane[3];
+            PlaneNormal(polygon->Vertices(), plane);
+            const double normal[3] = {static_cast<double>(plane[0]), static_cast<double>(plane[1]),
+                                      static_cast<double>(plane[2])};
+            visit(*polygon, normal);
+        }
+    }
+}
+
 }  // namespace
+
+void ShadeAgain() {
+    OpenTable<CornerEntry> corners;
+    ForEachShaded([&corners](const PolygonRecord& polygon, const double normal[3]) {
+        for (const VertexRecord& v : polygon.Vertices()) {
+            CornerEntry& entry = corners.Insert(CornerOf(v));
+            for (int i = 0; i < 3; ++i) {
+                entry.sum[i] += normal[i];
+            }
+        }
+    });
+    ForEachShaded([&corners](PolygonRecord& polygon, const double normal[3]) {
+        if (polygon.select != 1) {
+            return;
+        }
+        const bool isFlat = HasOneNormal(polygon);
+        for (VertexRecord& v : polygon.Vertices()) {
+            const CornerEntry* entry = isFlat ? nullptr : corners.Find(CornerOf(v));
+            SetNormal(v, entry == nullptr ? normal : entry->sum);
+        }
+        ObjMarkEdited(polygon.obj);
+    });
+}
 
 void ShadeSelected(std::int32_t mode) {
     if (SelectCount == 0) {

@@ -14,6 +14,10 @@ enum ShadeMode : std::int32_t { NORMAL_OFF = 0, NORMAL_ON = 1, NORMAL_CREATE = 2
 // more. Any other value: each vertex gets the average of the plane normals of the selected polygons at its
 // position.
 void ShadeSelected(std::int32_t mode);
+// After the selected polygons have changed their shape: new normals for those that carry them. A polygon
+// whose corners all have one normal gets its plane's; elsewhere the corners at one position that had one
+// normal, those of unselected polygons counted in, have one again.
+void ShadeAgain();
 
 // ---- the table ----
 

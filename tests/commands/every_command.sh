@@ -1,18 +1,28 @@
 #!/usr/bin/env bash
 # every_command.sh QUELMARKC: every item of every menu and every key, in every situation, once cancelled, once accepted as it is proposed
-# and once with a file for an answer: no error, cancelling changes nothing, and undoing gives back what was there.
+# and once with a file for an answer; every item also cancelled at its second and third dialog, after an answer that is refused, in the
+# middle of a drag and after one click and several: no error, cancelling changes nothing, and undoing gives back what was there.
 set -u
 program=$(realpath "$1")
 here=$(realpath "$(dirname "$0")")
 # shellcheck source=prepare.sh
 . "$here/prepare.sh"
-configuration every_command.qms empty
+configuration random_session.qms all
 bound
+dialog_rows
+paste free rows > kinds
 
 # Quitting ends the session; whether there are recent files depends on what was tried before. A new model and another file forget the
 # steps: they are only cancelled.
 session() {
     awk -F '\t' -v quit='^(終了|（最近|[1-9]  |key 17$)' -v forgets='^(新規|開く|key 1[45]$)' '
+        BEGIN { while ((getline line < "kinds") > 0) { split(line, field, "\t"); kinds[field[1]] = field[3] } }
+        # What no text of the dialog can be: neither a name nor a number.
+        function wrong(item,   rows, row, i, n, text) {
+            n = split(kinds[item], rows, " ")
+            for (i = 2; i <= n; i++) { split(rows[i], row, ":"); if (row[2]) text = text "answer " row[1] " (\n" }
+            return text
+        }
         function run(mode, answers, hand) {
             print "answer 0 " mode; print "answer 1 " $2; print "button 1"; print "key KEY_F13"
             print answers; print $1 (hand ? "\n" hand : "\nkey KEY_F12")
@@ -24,11 +34,20 @@ session() {
         $2 ~ forgets { next }
         { run("accept", "button 1\nbutton 1\nbutton 1\nbutton 99")
           run("file", "file other.suf\nbutton 1\nbutton 1\nbutton 1\nbutton 99") }
-        /^menu/ { run("press", "button 0\nbutton 0\nbutton 0\nbutton 99", "mouse 250 200 1\nmouse 300 220 1\nmouse 300 220 0" \
+        /^menu/ { no = "button 0\nbutton 0\nbutton 0\nbutton 99"
+          run("second", "button 1\nbutton 0\nbutton 0\nbutton 99"); run("third", "button 1\nbutton 1\nbutton 0\nbutton 99")
+          run("wrong", wrong($1) "button 1\nbutton 0\nbutton 0\nbutton 99")
+          run("break", no, "mouse 250 200 1\nmouse 300 220 1\nkey 27\nmouse 300 220 0")
+          run("click", no, "mouse 250 200 1\nmouse 250 200 0\nkey 27")
+          run("clicks", no, "mouse 250 200 1\nmouse 250 200 0\nmouse 300 220 1\nmouse 300 220 0\nmouse 270 260 1\nmouse 270 260 0\nkey 27")
+          run("press", "button 0\nbutton 0\nbutton 0\nbutton 99", "mouse 250 200 1\nmouse 300 220 1\nmouse 300 220 0" \
                       "\nkey x\nmouse 250 150 1\nmouse 250 150 0\nkey 13") }
         END { print "key KEY_F15" }' items keys
 }
 session > session.input
+# With an empty model some dialogs are others.
+: > kinds
+session > empty.input
 wanted=$(grep -c KEY_F13 session.input)
 
 failures=0
@@ -37,7 +56,7 @@ try() {
     local name=$1 askedLeast=$2 changedLeast=$3 ran asked changed status
     shift 3
     configuration every_command.qms "$name" "$@"
-    play session.input > log
+    if [ "$name" = empty ]; then play empty.input; else play session.input; fi > log
     status=$?
     read -r ran asked changed < <(sed -n 's/^ran \([0-9]*\) asked \([0-9]*\) changed \([0-9]*\).*/\1 \2 \3/p' log)
     # A full table or buffer is told, and the model stays as it was.

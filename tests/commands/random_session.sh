@@ -23,12 +23,7 @@ situation() {
 situation 1
 bound
 
-# The rows of each item's dialog: 1 for a text, 0 for a number.
-grep -vE $'\t''(終了|（最近|[1-9]  |新規|開く|元に戻す|やり直す)' items > free
-awk -F '\t' '{ print "key KEY_F12\n" $1 "\nbutton 0\nkey 27\nkey 27"
-    for (i = 0; i < 12; i++) print "key KEY_F11"
-    print "button 99\nkey KEY_F13" }' free > rows.input
-play rows.input | awk '/^item/ { n++; printf "%s%d", (n > 1 ? "\n" : ""), n } /^row/ { printf " %d:%d", $2, $3 } END { print "" }' > rows
+dialog_rows
 
 # session SEED: so many turns, a look back after every forty.
 session() {

@@ -35,7 +35,8 @@ constexpr Names FUNCTIONS[] = {
      "PolyPlane"},
     {"",
      "PolyGetVertex PolyDelVertex PolyVertexs PolyType PolyAttr PolyObj PolyAppend PolyLoad PolyLoadInit "
-     "PolySave PolyDelete PolyInvisible ReadStopped WriteFile ObjWriteFile PolyShade PolyShadeInv PolyMap "
+     "PolySave PolyDelete PolyInvisible ReadStopped WriteFile ObjWriteFile PolyShade PolyShadeAgain "
+     "PolyShadeInv PolyMap "
      "PolyShiftVertex PolyInvVertex PolyVector"},
     {"Matrix", "PolyMove WriteFrame"},
     {"String", "ReadFile ObjReadFile FrmReadFile"},
