@@ -123,7 +123,7 @@ for seed in "$@"; do
     status=$?
     readBack >> log
     awk '/^turn/ { turn = $2 } /^FAULT|Error|Fatal|Internal check/ { print "after turn " turn ": " $0 }' log > faults
-    changes=$(sed -n '/^turn/s/.*changes //p' log | tail -1)
+    changes=$(sed -n '/^turn/s/.*changes \([0-9]*\).*/\1/p' log | tail -1)
     if [ $status -ne 0 ] || [ -s faults ] || [ "$(grep -c '^turn' log)" != $((turns / 40 + 1)) ] ||
         [ "${changes:-0}" -lt $((turns / 40)) ]; then
         echo "seed $seed, status $status:"
