@@ -21,6 +21,7 @@ struct Conversion {
     std::string flags;
     std::int32_t width = 0;
     std::int32_t precision = -1;
+    std::string size;  // "h" or "hh": an integer is cut to 16 or 8 bits
     char letter = '\0';
 };
 
@@ -42,8 +43,10 @@ Conversion ReadConversion(std::string_view format, std::size_t& at) {
         ++at;
         conversion.precision = ReadNumber(format, at);
     }
-    while (at < format.size() && (format[at] == 'l' || format[at] == 'h')) {
-        ++at;
+    for (; at < format.size() && (format[at] == 'l' || format[at] == 'h'); ++at) {
+        if (format[at] == 'h' && conversion.size.size() < 2) {
+            conversion.size += 'h';
+        }
     }
     if (at < format.size()) {
         conversion.letter = format[at++];
@@ -60,6 +63,9 @@ std::string Directive(const Conversion& conversion) {
     if (conversion.precision >= 0) {
         text += '.';
         text += std::to_string(conversion.precision);
+    }
+    if (std::string_view("diuoxX").find(conversion.letter) != std::string_view::npos) {
+        text += conversion.size;
     }
     text += conversion.letter;
     return text;

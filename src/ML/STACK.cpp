@@ -359,8 +359,10 @@ double ParseReal(std::string_view text, std::size_t* used) {
     double value = 0;
     const char* const first = text.data() + sign;
     const char* const end = text.data() + text.size();
-    const bool signedTwice = sign != 0 && first != end && *first == '-';
-    const auto result = std::from_chars(first, signedTwice ? first : end, value);
+    // A sign behind the sign begins no number, and neither does the name of one ("inf", "nan").
+    const char* const digits = sign == 0 && first != end && *first == '-' ? first + 1 : first;
+    const bool begins = digits != end && (*digits == '.' || (*digits >= '0' && *digits <= '9'));
+    const auto result = std::from_chars(first, begins ? end : first, value);
     if (used != nullptr) {
         *used = result.ptr == first ? 0 : static_cast<std::size_t>(result.ptr - text.data());
     }

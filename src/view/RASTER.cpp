@@ -302,8 +302,9 @@ bool Inside(const PixelRect& rect, const PanePoint& point) {
 }  // namespace
 
 PixelRect Intersection(const PixelRect& a, const PixelRect& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
+    const std::int32_t left = std::max(a.left, b.left), top = std::max(a.top, b.top);
+    return {left, top, std::max(std::min(a.right, b.right), left),
+            std::max(std::min(a.bottom, b.bottom), top)};
 }
 
 void FrameBuffer::Resize(std::int32_t newWidth, std::int32_t newHeight) {

@@ -19,6 +19,7 @@ struct PixelRect {
 constexpr bool IsEmpty(const PixelRect& rect) {
     return rect.left >= rect.right || rect.top >= rect.bottom;
 }
+// Of rectangles that lie apart: one without width or height, but never with its sides swapped.
 PixelRect Intersection(const PixelRect& a, const PixelRect& b);
 
 // A point of the pane; far outside it after a large zoom. Lines beyond PANE_MOST bend there, so that the
