@@ -109,12 +109,42 @@ bool SelectBounds(VertexRecord& low, VertexRecord& high) {
     return any;
 }
 
+// Scripts make a Select of one polygon after the other: what has been walked is kept. As long as no record
+// moves, new ones come behind the last.
 std::int32_t PolygonCount() {
-    std::int32_t count = 0;
-    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
+    static std::uint32_t layout = 0;
+    static const char* end = nullptr;
+    static std::int32_t count = 0;
+    if (layout != BufLayout || end == nullptr || end > BufNext) {
+        layout = BufLayout;
+        end = BufTop;
+        count = 0;
+    }
+    for (; end < BufNext; end += reinterpret_cast<const DataBuffer*>(end)->size) {
         ++count;
     }
     return count;
+}
+
+std::int32_t PolygonNumber(const PolygonRecord* wanted) {
+    static std::uint32_t layout = 0;
+    static PolygonRecord* known = nullptr;
+    static std::int32_t number = 0;
+    if (wanted == nullptr) {
+        return -1;
+    }
+    if (layout != BufLayout || known == nullptr || known > wanted) {
+        layout = BufLayout;
+        known = PolygonTop();
+        number = 0;
+    }
+    PolygonRecord* polygon = known;
+    for (std::int32_t i = number; polygon != nullptr && polygon <= wanted;
+         polygon = PolygonNext(polygon), ++i) {
+        known = polygon;
+        number = i;
+    }
+    return known == wanted ? number : -1;
 }
 
 void SelectRestore(const SelectBits& members) {

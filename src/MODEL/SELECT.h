@@ -56,6 +56,8 @@ struct SelectBits {
 };
 
 std::int32_t PolygonCount();
+// Which one in buffer order; -1 of what is no record.
+std::int32_t PolygonNumber(const PolygonRecord* wanted);
 // Makes the members the selected polygons.
 void SelectRestore(const SelectBits& members);
 // Adds to `result` the visible polygons that share a position with a visible member.

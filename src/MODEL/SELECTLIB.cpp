@@ -117,11 +117,8 @@ std::int32_t Snapshot(std::int32_t, std::int32_t, DataCell*) {
 
 std::int32_t SnapshotLoaded(std::int32_t, std::int32_t, DataCell*) {
     SelectBits bits = PushSnapshot();
-    std::int32_t i = 0;
-    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon), ++i) {
-        if (polygon == LoadedPolygon) {
-            bits.Add(i);
-        }
+    if (const std::int32_t number = PolygonNumber(LoadedPolygon); number >= 0) {
+        bits.Add(number);
     }
     return RESULT;
 }

@@ -25,6 +25,41 @@ class Selection : public ModelTest {
     }
 };
 
+// What is kept of a walk is that of the model as it is now.
+TEST_F(Selection, CountsAndNumbersFollowEveryChange) {
+    const auto check = [](const char* when) {
+        std::int32_t count = 0;
+        for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
+            EXPECT_EQ(PolygonNumber(polygon), count) << when;
+            ++count;
+        }
+        EXPECT_EQ(PolygonCount(), count) << when;
+        EXPECT_EQ(PolygonNumber(PolygonTop()), count == 0 ? -1 : 0) << when;
+        EXPECT_EQ(PolygonNumber(nullptr), -1) << when;
+        return count;
+    };
+    NewModel();
+    EXPECT_EQ(check("empty"), 0);
+    OnFour("");
+    EXPECT_EQ(check("four"), 4);
+    Script("tri(0, 0, 0, 1, 0, 0, 0, 1, 0);");
+    EXPECT_EQ(check("one more"), 5);
+    Script(
+        "UndoMark(\"\"); PolyLoadInit(); PolyLoad();"
+        "PolyInsVertex(Vertex(9, 9, 9), 0); PolyInsVertex(Vertex(8, 9, 9), 0); PolySave();");
+    EXPECT_EQ(check("a larger one"), 5);
+    Script("UndoMark(\"\"); PolyDelete(); PolyVertexs(9); PolyAppend(0);");
+    EXPECT_EQ(check("deleted"), 5);
+    Script("Undo();");
+    EXPECT_EQ(check("undone"), 5);
+    Script("SelectAll(1); PolyDelete();");
+    EXPECT_EQ(check("visible ones deleted"), 1);
+    Script("Undo();");
+    EXPECT_EQ(check("undone again"), 5);
+    NewModel();
+    EXPECT_EQ(check("a new model"), 0);
+}
+
 TEST_F(Selection, AllSelectsAndDeselectsWhatIsVisible) {
     EXPECT_EQ(After("SelectAll(1);"), "1110");
     EXPECT_EQ(After("SelectAll(TRUE); SelectAll(0);"), "0000");
