@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <optional>
 #include <thread>
@@ -68,12 +69,20 @@ std::optional<pid_t> Spawn(const std::vector<std::string>& words) {
         argv.push_back(const_cast<char*>(word.c_str()));
     }
     argv.push_back(nullptr);
+    // What this program ignores is the child's to decide.
+    sigset_t defaults;
+    ::sigemptyset(&defaults);
+    ::sigaddset(&defaults, SIGXFSZ);
+    posix_spawnattr_t attributes;
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawnattr_setsigdefault(&attributes, &defaults);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
     pid_t process = 0;
     std::fflush(stdout);
-    if (words.empty() || ::posix_spawnp(&process, argv[0], nullptr, nullptr, argv.data(), environ) != 0) {
-        return std::nullopt;
-    }
-    return process;
+    const bool spawned =
+        !words.empty() && ::posix_spawnp(&process, argv[0], nullptr, &attributes, argv.data(), environ) == 0;
+    ::posix_spawnattr_destroy(&attributes);
+    return spawned ? std::optional(process) : std::nullopt;
 }
 
 void WaitFor(pid_t process, std::uint32_t waitMost) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
@@ -416,6 +417,7 @@ int Run(const CommandLine& commandLine, void (*registerLibraries)()) {
 
 int HostMain(Window& mainWindow, const std::string& programPath, const std::vector<std::string>& arguments,
              void (*registerLibraries)()) {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is a write that fails, not the program's end
     window = &mainWindow;
     handlersInstalled = started = errorKept = failed = false;
     QuitFlag = false;

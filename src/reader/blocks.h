@@ -44,8 +44,10 @@ struct ShapeBlock {
 
 // Reads the polygon whose "prim" is the current token and stands behind it afterwards.
 void ReadPolygon(ShapeBlock& block);
-// To the end of a faulty construct, or to what begins the next one.
-void SkipConstruct();
+// At what begins the next construct or ends the block.
+bool BeginsConstruct();
+// To the end of a faulty construct, of which so many parentheses are open, or to what begins the next one.
+void SkipConstruct(std::int32_t open = 0);
 // `parts NAME` and its transformations: the file's polygons become this object's.
 void ReadPart(ShapeBlock& block);
 // Every block of the active file, whose name is `file`; the polygons go to `into`'s object when there is one.

@@ -37,10 +37,11 @@ bool AtAttributeBlock() {
 void ReadAttributeSwitch(ShapeBlock& block) {
     std::string name;
     ShapeNext();
-    if (ShapeName(name)) {
-        block.attribute = AttrSearchOrAlloc(name);
-        Reading.stopped = block.attribute < 0;
+    if (!ShapeName(name)) {
+        return SkipConstruct();
     }
+    block.attribute = AttrSearchOrAlloc(name);
+    Reading.stopped = block.attribute < 0;
 }
 
 void ReadConstruct(ShapeBlock& block) {

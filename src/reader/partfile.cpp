@@ -54,6 +54,13 @@ void ReadPartFile(ShapeBlock& block, const std::string& path, const Matrix& matr
     Shape = std::move(outer);
 }
 
+// A faulty reference is dropped with all of its transformations.
+void SkipReference() {
+    while (!BeginsConstruct()) {
+        ShapeNext();
+    }
+}
+
 }  // namespace
 
 void ReaderInit(std::string_view programDirectory) {
@@ -76,15 +83,15 @@ void ReadPart(ShapeBlock& block) {
     std::string name;
     ShapeNext();
     if (!ShapeName(name)) {
-        return;
+        return SkipReference();
     }
     if (Shape.token == TOKEN_LEFT_PAREN) {
         ScannerReport(SCANNER_ARGUMENT);
-        return SkipConstruct();
+        return SkipReference();
     }
     Matrix matrix = UNIT_MATRIX;
     if (!ReadTransforms(matrix)) {
-        return SkipConstruct();
+        return SkipReference();
     }
     if (++Reading.parts > PARTS_MOST) {
         Reading.stopped = true;

@@ -194,13 +194,20 @@ bool ReadList(ShapeBlock& block, const TypeRow& row) {
 
 }  // namespace
 
-void SkipConstruct() {
-    while (Shape.token != TOKEN_RIGHT_PAREN && Shape.token != TOKEN_RIGHT_BRACE && Shape.token != TOKEN_END &&
-           Shape.token != WORD_PRIM && Shape.token != WORD_ATR && Shape.token != WORD_PARTS &&
-           Shape.token != WORD_OBJ) {
+bool BeginsConstruct() {
+    return Shape.token == WORD_PRIM || Shape.token == WORD_ATR || Shape.token == WORD_PARTS ||
+           Shape.token == WORD_OBJ || Shape.token == TOKEN_RIGHT_BRACE || Shape.token == TOKEN_END;
+}
+
+void SkipConstruct(std::int32_t open) {
+    while (!BeginsConstruct()) {
+        open += Shape.token == TOKEN_LEFT_PAREN ? 1 : 0;
+        const bool end = Shape.token == TOKEN_RIGHT_PAREN && --open <= 0;
         ShapeNext();
+        if (end) {
+            return;
+        }
     }
-    ShapeAccept(TOKEN_RIGHT_PAREN);
 }
 
 void ReadPolygon(ShapeBlock& block) {
@@ -226,7 +233,7 @@ void ReadPolygon(ShapeBlock& block) {
         return SkipConstruct();
     }
     if (!ReadList(block, *row)) {
-        SkipConstruct();
+        SkipConstruct(1);
     }
 }
 

@@ -153,6 +153,18 @@ TEST_F(Faults, SceneWordsInAnObjectAreUnsupportedAndOtherWordsStray) {
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
+TEST_F(Faults, AFaultyConstructIsDroppedWithTheParenthesesInsideIt) {
+    EXPECT_FALSE(
+        Read(Block("light pal ( rgb ( 1 1 1 ) 4 2 -1 )\natr a prim poly ( 0 ( 1 2 ) 3 )\n"
+                   "prim spot ( ( 1 ) ( 2 ) )\natr ( b )\n" +
+                   TRIANGLE)));
+    EXPECT_EQ(messages, (Lines{"t.suf  2 :  light はサポートしていません。   next token=light",
+                               "t.suf  3 : 数字が必要です。   next token=(",
+                               "t.suf  4 :  spot はサポートしていません。   next token=spot",
+                               "t.suf  5 : 名前（(）がおかしい   next token=("}));
+    EXPECT_EQ(Polygons().size(), 1U);
+}
+
 TEST_F(Faults, TheEndOfTheFileInsideABlockEndsTheReadAndKeepsWhatWasRead) {
     EXPECT_FALSE(Read("obj suf o {\n" + GOOD + TRIANGLE));
     EXPECT_FALSE(Read("obj suf o {\n" + GOOD + "prim poly ( 0 0"));

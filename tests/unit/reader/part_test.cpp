@@ -146,8 +146,15 @@ TEST_F(Parts, FaultyTransformationsDropTheReference) {
                                "t.suf  4 :  4 が存在します。   next token=4",
                                "t.suf  4 : 座標変換指定がおかしい。   next token=4",
                                "t.suf  5 : 引数の処理はできません。   next token=(",
-                               "t.suf  6 : 名前（(）がおかしい   next token=(",
-                               "t.suf  6 :  ( が存在します。   next token=("}));
+                               "t.suf  6 : 名前（(）がおかしい   next token=("}));
+    EXPECT_EQ(Polygons().size(), 1U);
+}
+
+TEST_F(Parts, AFaultyReferenceIsDroppedWithTheTransformationsBehindTheFault) {
+    Put("part.suf", TRIANGLE_PART);
+    EXPECT_FALSE(Read(Block("parts part mov ( 1 2 ) scal ( 1 2 3 ) rotx ( 9 )\natr a " + TRIANGLE)));
+    EXPECT_EQ(messages, (Lines{"t.suf  2 : 数字が必要です。   next token=)",
+                               "t.suf  2 : 座標変換指定がおかしい。   next token=)"}));
     EXPECT_EQ(Polygons().size(), 1U);
 }
 
