@@ -15,6 +15,7 @@
 #include "MODEL/OBJ.h"
 #include "MODEL/POLY.h"
 #include "MODEL/SUFTEXT.h"
+#include "MODEL/TABLE.h"
 #include "reader/objread.h"
 #include "script_fixture.h"
 #include "text/savefile.h"
@@ -395,6 +396,33 @@ class RandomModels {
         }
         return name;
     }
+    // Hundredths, so that the two places of the text tell all of it; none prints as -0.00.
+    std::int16_t Hundredths() { return static_cast<std::int16_t>(41 * Number(-799, 799)); }
+    ColourTriple Colour() {
+        const std::int16_t grey = Number(0, 2) == 0 ? std::int16_t{0} : Hundredths();
+        return Number(0, 1) == 0 ? ColourTriple{grey, grey, grey, 0}
+                                 : ColourTriple{Hundredths(), Hundredths(), grey, 0};
+    }
+    // Whole numbers of every size, and ten thousandths.
+    std::int32_t Side() {
+        const int whole = Number(0, 2) == 0 ? 0 : Number(-32768, 32767);
+        return whole * 65536 + (Number(0, 1) == 0 ? 0 : Number(1, 9998) * 65536 / 10000 + 1);
+    }
+    void Attribute(AttributeRecord& attribute) {
+        for (ColourTriple* colour :
+             {&attribute.col, &attribute.amb, &attribute.dif, &attribute.spc, &attribute.size, &attribute.ref,
+              &attribute.tra, &attribute.rfr, &attribute.att}) {
+            *colour = Colour();
+        }
+        attribute.spcextra = Hundredths();
+        attribute.map = Number(0, 1);
+        CopyText(attribute.mapfile, Number(0, 3) == 0 ? "" : Name() + ".tif");
+        for (auto* rectangle : {&attribute.mapsize, &attribute.mapview, &attribute.mapwind}) {
+            for (int i = 0; i < 4; ++i) {
+                (*rectangle)[i / 2][i % 2] = Side();
+            }
+        }
+    }
     void Polygon(std::int16_t attribute) {
         const int vers = Number(0, 30) == 0 ? Number(3, 1023) : Number(3, 8);
         const int type = Number(0, 3);
@@ -440,7 +468,7 @@ TEST_F(Writer, ThousandsOfRandomModelsAreReadBackIdentical) {
         const int attributes = models.Number(1, 5);
         for (int i = 0; i < attributes; ++i) {
             AttrAlloc(models.Name());
-            AttrTable[i].col = {static_cast<std::int16_t>(models.Number(-400, 400) * 32), 512, 0, 0};
+            models.Attribute(AttrTable[i]);
             file += *AttributeText(AttrTable[i]);
         }
         for (int i = models.Number(0, 12); i > 0; --i) {
