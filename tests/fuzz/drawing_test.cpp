@@ -299,7 +299,7 @@ struct PlainPicture {
 class Drawing : public ScriptTest {
   protected:
     std::mt19937 random{11};
-    bool wild = false;
+    bool wild = false, withEveryFlag = false;
 
     void SetUp() override {
         ScriptTest::SetUp();
@@ -356,8 +356,10 @@ class Drawing : public ScriptTest {
             CurrentPolygon->vers = static_cast<std::int16_t>(1 + Below(7));
             CurrentPolygon->attr = static_cast<std::int16_t>(Below(3));
             CurrentPolygon->flags = Below(5) == 0 ? POLYGON_INVISIBLE : 0;
+            CurrentPolygon->type = static_cast<std::uint16_t>(Below(2) == 0 ? POLY_SHADE : 0);
             for (VertexRecord& v : CurrentPolygon->Vertices()) {
-                v = {Coordinate(), Coordinate(), Coordinate(), 0, 0, 0, 0, 0};
+                v = {
+                    Coordinate(), Coordinate(), Coordinate(), Coordinate(), Coordinate(), Coordinate(), 0, 0};
             }
             PolygonAppend(static_cast<std::int16_t>(Below(3) == 0));
         }
@@ -388,6 +390,9 @@ class Drawing : public ScriptTest {
             case 6:
                 ViewState.visibleVertex = Below(2);
                 ViewState.drawInvisible = Below(2) == 0;
+                ViewState.frontOnly = withEveryFlag && Below(2) == 0;
+                ViewState.visibleVector = withEveryFlag ? Below(2) : 0;
+                ViewState.visiblePolyVector = withEveryFlag ? Below(2) : 0;
                 break;
             default:
                 ViewSetMask(Below(2) == 0 ? WIN_ALL : Below(16));
@@ -465,6 +470,7 @@ TEST_F(Drawing, ExtremesAreDrawnLikeAPlainPicture) {
 }
 
 TEST_F(Drawing, BandsDrawnTwiceAndTheHiddenCursorLeaveNoTrace) {
+    withEveryFlag = true;
     for (int round = 0; round < 300; ++round) {
         wild = round % 2 == 1;
         MakeModel();
@@ -490,6 +496,7 @@ TEST_F(Drawing, BandsDrawnTwiceAndTheHiddenCursorLeaveNoTrace) {
 }
 
 TEST_F(Drawing, ARedrawOfAnAreaChangesTheViewsThatItMeetsAlone) {
+    withEveryFlag = true;
     for (int round = 0; round < 300; ++round) {
         wild = round % 2 == 1;
         MakeModel();
