@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "host/qt/QTROWAREA.h"
@@ -240,6 +241,9 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
         line->addStretch();
     }
     AlignLabels(*rows);
+    if (auto* first = rows->findChild<QLineEdit*>()) {
+        first->selectAll();  // what is typed takes its place, as in the fields that Tab reaches
+    }
     auto* whole = new QVBoxLayout(&shown);
     QWidget* buttons = MakeButtons(shown, dialog);
     whole->addWidget(new QtRowArea(rows, RoomForRows(shown, *buttons)));
@@ -259,7 +263,15 @@ std::string QtRunFileDialog(QWidget* parent, const FileDialog& dialog) {
     }
     shown.setNameFilters(filters);
     shown.setDefaultSuffix(ToText(dialog.defaultExtension));
-    shown.setLabelText(QFileDialog::Accept, QStringLiteral("決定"));
+    const std::pair<QFileDialog::DialogLabel, QString> labels[] = {
+        {QFileDialog::LookIn, QStringLiteral("フォルダ")},
+        {QFileDialog::FileName, QStringLiteral("ファイル名")},
+        {QFileDialog::FileType, QStringLiteral("種類")},
+        {QFileDialog::Accept, QStringLiteral("決定")},
+        {QFileDialog::Reject, QStringLiteral("中止")}};
+    for (const auto& [label, text] : labels) {
+        shown.setLabelText(label, text);
+    }
     if (const auto initial = HostPath(dialog.initialName); initial && !initial->empty()) {
         shown.selectFile(QString::fromStdString(*initial));
     }

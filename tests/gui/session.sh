@@ -1,0 +1,272 @@
+#!/usr/bin/env bash
+# session.sh QUELMARK QUELMARKC SESSION: one session, with real keys and mouse in the window and again in the console program. The files that
+# are written are the same byte for byte, and the views show the same pixels.
+#
+# A session has the console program's lines, with keys by the names of xdotool, menu items by their texts and a dialog's answers before what
+# opens it:
+#   pick TITLE ITEM    the item that begins so in the menu of that title
+#   key NAME           ctrl+z, shift+m, Return, a
+#   mouse X Y BUTTONS  a place in the views
+#   answer ROW TEXT, choose ROW NUMBER, tick ROW, button N, file NAME
+#   shot NAME          a picture of the views
+#   close, start       the window is closed; the program starts again
+#   same A B           the two files are equal
+set -u
+program=$(realpath "$1")
+console=$(realpath "$2")
+session=$(realpath "$3")
+# shellcheck source=screen.sh
+. "$(dirname "$0")/screen.sh"
+unset MODELPATH QUELMARKINPUT
+export LC_ALL=C.UTF-8
+failures=0
+fail() { echo "$1"; failures=1; }
+give_up() {
+    echo "line $number: $1"
+    kill "$window" 2>/dev/null
+    [ -z "${KEEP:-}" ] || cp -r "$folder" "$KEEP"
+    exit 1
+}
+settle() { sleep "${1:-0.25}"; }
+
+# F12 prints a line for each item that can be picked, and a number that shows that everything before it is done.
+{ printf '\xEF\xBB\xBF'; cat <<'S'; } > "$folder/probe.qms"
+var private probes = 0;
+function private Probe() {
+    var place, i, menu, flags, query;
+    for (place = 0; place < 12; place++) {
+        menu = MenuPosition(place);
+        if (typeof(menu) == OBJECT) {
+            for (i = 0; i < MenuItems(menu); i++) {
+                flags = MenuEnable(menu, i);
+                query = MenuQuery(menu, i);
+                if (!(query == SEPARATE_MENU))
+                    flags = flags | call(query, i);
+                print("item\t" + place + "\t" + i + "\t" + (flags & MENU_DISABLE) + "\t" + MenuTitle(menu) + "\t" + MenuItem(menu, i) + "\n");
+            }
+        }
+    }
+    probes++;
+    print("probe\t" + probes + "\n");
+}
+KeyEvent(Probe, KEY_F12);
+S
+for part in window console; do
+    mkdir "$folder/$part"
+    cp "$folder/probe.qms" "$folder/$part/"
+    { cat "$(dirname "$program")/Quelmark.ini"; echo "SourceFile = probe.qms"; } > "$folder/$part/Quelmark.ini"
+done
+
+# ---- the window ----
+
+begin() {
+    probes=0
+    (cd "$folder/window" && HOME="$folder/window" exec "$program" >printed 2>errors) &
+    window=$!
+    for _ in $(seq 200); do id=$(xdotool search --name '^Quelmark' 2>/dev/null | head -1); [ -n "$id" ] && break; sleep 0.05; done
+    [ -n "$id" ] || { echo "no window"; exit 1; }
+    settle 0.5
+    xdotool mousemove 300 600
+    probe
+    [ -n "${top:-}" ] || { measure; in_console; }
+}
+ended() {
+    for _ in $(seq 100); do kill -0 $window 2>/dev/null || { wait $window; return; }; sleep 0.05; done
+    return 1
+}
+# Waits until all that was done before has reached the scripts.
+probe() {
+    probes=$((probes + 1))
+    xdotool key F12
+    for _ in $(seq 200); do grep -qa "^probe[[:blank:]]*$probes\$" "$folder/window/printed" && return; sleep 0.05; done
+    picture "$folder/silent.ppm"
+    give_up "the window does not answer"
+}
+picture() { import -window root -depth 8 "$1"; }
+pixels() { convert "$1" -crop "$2" +repage -depth 8 rgb:- | od -An -v -tx1 -w3 | tr -d ' '; }
+# Where the views are: they begin with their background, end before the status bar's white line; left of the list panel's black is its edge.
+measure() {
+    local status
+    picture "$folder/root.ppm"
+    eval "$(xdotool getwindowgeometry --shell "$id" | grep -E '^(WIDTH|HEIGHT)=')"
+    top=$(($(pixels "$folder/root.ppm" "1x200+0+0" | grep -n 646464 | head -1 | cut -d: -f1) - 1))
+    status=$(pixels "$folder/root.ppm" "1x$((HEIGHT - top))+0+$top" | grep -n ffffff | head -1 | cut -d: -f1)
+    status=$((top + status - 1))
+    list=$(($(pixels "$folder/root.ppm" "${WIDTH}x1+0+$((status - 1))" | grep -nv 000000 | tail -1 | cut -d: -f1) - 1))
+    height=$((status - top))
+    [ "$height" -gt 300 ] && [ "$list" -gt 300 ] || { echo "the views are not where they are looked for: $top $status $list"; exit 1; }
+    # The console's window has characters of 8 × 16: a client size with the same room for the views.
+    client="$((list + 79)) $((height + 22))"
+}
+
+# A menu is opened with the mouse and its item found with the arrows, which leave out what is grey.
+choose_item() {
+    local found place downs
+    probe
+    found=$(iconv -f CP932 -t UTF-8 "$folder/window/printed" | awk -F '\t' -v title="$1" -v text="$2" '
+        /^probe/ { last = now; now = "" }
+        /^item/ { now = now $0 "\n" }
+        END { n = split(last, lines, "\n")
+              for (i = 1; i < n; i++) {
+                  split(lines[i], part, "\t")
+                  if (part[5] != title || part[6] == "-" || part[4] + 0) continue
+                  downs++
+                  if (index(part[6], text) == 1) { print part[2], downs; exit } } }')
+    [ -n "$found" ] || give_up "$2 cannot be picked"
+    read -r place downs <<< "$found"
+    xdotool mousemove 30 "$((top / 2))" click 1
+    settle
+    for _ in $(seq "$place"); do xdotool key Right; settle 0.1; done
+    [ "$place" = 0 ] || downs=$((downs - 1))
+    for _ in $(seq $downs); do xdotool key Down; done
+    settle 0.1
+    xdotool key Return
+}
+
+windows() { xdotool search --onlyvisible --name '.*' 2>/dev/null | wc -l; }
+open_dialog() { for _ in $(seq 100); do [ "$(windows)" -gt 2 ] && { settle; return; }; sleep 0.05; done; give_up "no dialog"; }
+
+# The answers that were put before, into the dialogs that come.
+answers=()
+dialogs() {
+    local line row at rest
+    [ ${#answers[@]} = 0 ] && return
+    open_dialog
+    at=0
+    for line in "${answers[@]}"; do
+        read -r what row rest <<< "$line"
+        case $what in
+            answer|choose|tick)
+                while [ "$at" -lt "$row" ]; do xdotool key Tab; at=$((at + 1)); done
+                settle 0.1
+                case $what in
+                    answer) xdotool type --delay 20 -- "$rest" ;;
+                    choose) xdotool key Home; for _ in $(seq "$rest"); do xdotool key Down; done ;;
+                    tick) xdotool key space ;;
+                esac ;;
+            button)
+                # The last button is Return's, the first Escape's.
+                settle 0.1
+                if [ "$row" = 0 ]; then xdotool key Escape; else xdotool key Return; fi
+                settle
+                at=0 ;;
+            file)
+                open_dialog
+                xdotool type --delay 20 -- "$folder/window/$row"
+                settle 0.1
+                xdotool key Return
+                settle 0.5 ;;
+        esac
+    done
+    answers=()
+    settle
+}
+
+held=0
+mouse() {
+    local button
+    xdotool mousemove "$1" "$((top + $2))"
+    settle 0.06
+    for button in 1 3; do
+        bit=$((button == 1 ? 1 : 2))
+        if [ $(($3 & bit)) != 0 ] && [ $((held & bit)) = 0 ]; then xdotool mousedown $button; fi
+        if [ $(($3 & bit)) = 0 ] && [ $((held & bit)) != 0 ]; then xdotool mouseup $button; fi
+    done
+    [ "$3" = "$held" ] || settle 0.1
+    held=$3
+}
+
+in_window() {
+    local what rest
+    number=0
+    begin
+    while read -r what rest; do
+        number=$((number + 1))
+        case $what in
+            ''|'#'*|same) ;;
+            pick) choose_item ${rest/ */} "${rest#* }"; dialogs ;;
+            key) xdotool key $rest; settle 0.08; dialogs ;;
+            mouse) mouse $rest ;;
+            answer|choose|tick|button|file) answers+=("$what $rest") ;;
+            shot) shot "$rest" ;;
+            close) xdotool key ctrl+q; dialogs; ended || give_up "not closed" ;;
+            refuse) xdotool key ctrl+q; dialogs; probe ;;
+            start) begin ;;
+            *) fail "line $number: $what?" ;;
+        esac
+    done < "$session"
+    ! kill -0 "$window" 2>/dev/null || fail "the session does not end with the window closed"
+}
+
+# ---- the console program ----
+
+console_part() { (cd "$folder/console" && HOME="$folder/console" QUELMARKINPUT=$1 "$console" >>printed 2>>errors) || fail "the console program has failed"; }
+
+in_console() {
+    local name part=0
+    printf 'size %s\nkey KEY_F12\n' "$client" > "$folder/console/items.input"
+    console_part items.input
+    iconv -f CP932 -t UTF-8 "$folder/console/printed" | grep '^item' > "$folder/items"
+    # Recent files have their places when there are some.
+    awk -F '\t' -v OFS='\n' -v client="$client" -v out="$folder/console/part" '
+        function put(line) { print line > (out part ".input") }
+        function code(name,    c) {
+            if (name ~ /^ctrl\+/) return index("abcdefghijklmnopqrstuvwxyz", substr(name, 6))
+            if (name ~ /^shift\+[a-z]$/) return toupper(substr(name, 7))
+            if (name in special) return special[name]
+            return name
+        }
+        BEGIN { split("Return 13 Escape 27 BackSpace 8 Delete KEY_DEL Insert KEY_INS Home KEY_HOME equal = plus + minus -", s, " ")
+                for (i = 1; i in s; i += 2) special[s[i]] = s[i + 1]
+                for (i = 0; i < 10; i++) special[i] = "\x27" i "\x27" }
+        FILENAME ~ /items$/ { items[++n] = $0; next }
+        FNR == 1 { put("size " client) }
+        { what = $1; sub(/ .*/, "", what); rest = substr($0, length(what) + 2) }
+        what == "" || what ~ /^#/ || what == "same" { next }
+        what == "start" { part++; put("size " client); next }
+        what == "close" || what == "refuse" { for (i = 1; i <= held; i++) put(lines[i]); held = 0; put("key 17"); next }
+        what == "choose" || what == "answer" { lines[++held] = "answer " rest; next }
+        what == "tick" { lines[++held] = "answer " rest " 1"; next }
+        what == "button" || what == "file" { lines[++held] = $0; next }
+        { for (i = 1; i <= held; i++) put(lines[i]); held = 0 }
+        what == "pick" {
+            title = rest; sub(/ .*/, "", title); text = substr(rest, length(title) + 2)
+            if (text ~ /^[1-5]  /) { put("menu 0 " 8 + substr(text, 1, 1)); next }
+            for (i = 1; i <= n; i++) { split(items[i], part_, "\t"); if (part_[5] == title && index(part_[6], text) == 1) { put("menu " part_[2] " " part_[3]); next } }
+            print "no item " rest > "/dev/stderr"; next }
+        what == "key" { put("key " code(rest)); next }
+        what == "shot" { put("shot " rest ".ppm"); next }
+        { put($0) }' "$folder/items" "$session" || fail "the session cannot be replayed"
+    for name in "$folder"/console/part*.input; do console_part "$name"; done
+}
+
+# ---- both ----
+
+# The picture is taken again until it is the console's, for some seconds. What is selected pulses, so nothing may be.
+shot() {
+    local name=$1 area="${list}x$height" different
+    [ "$(identify -format %w "$folder/console/$name.ppm")" -ge "$list" ] || area="$(identify -format %w "$folder/console/$name.ppm")x$height"
+    convert "$folder/console/$name.ppm" -crop "$area+0+0" +repage "$folder/wanted.ppm"
+    for _ in $(seq 20); do
+        settle
+        picture "$folder/window/$name.ppm"
+        convert "$folder/window/$name.ppm" -crop "$area+0+$top" +repage "$folder/shown.ppm"
+        different=$(compare -metric AE "$folder/shown.ppm" "$folder/wanted.ppm" null: 2>&1)
+        [ "$different" = 0 ] && return
+    done
+    fail "line $number: $name: $different pixels of the views are others than the console program's"
+}
+
+in_window
+kill "$window" 2>/dev/null
+grep -al "Error\|Fatal" "$folder"/window/printed "$folder"/console/printed && fail "an error in a script"
+written=$(cd "$folder/console" && ls ./*.suf)
+[ -n "$written" ] || fail "nothing was written"
+for name in $written; do
+    cmp "$folder/window/$name" "$folder/console/$name" || fail "$name is another file"
+done
+while read -r what a b; do
+    [ "$what" != same ] || cmp "$folder/window/$a" "$folder/window/$b" || fail "$a and $b differ"
+done < "$session"
+[ $failures -eq 0 ] || [ -z "${KEEP:-}" ] || cp -r "$folder" "$KEEP"
+exit $failures
