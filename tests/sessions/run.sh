@@ -47,7 +47,7 @@ for file in *.suf *.ppm; do
             cmp "$file" "$kept" || fail "$file is another file" ;;
         *.ppm)
             kept=${kept%.ppm}.png
-            [ "${QUELMARK_RENEW:-}" = 1 ] && convert "$file" -colors 16 -type Palette -define png:compression-level=9 "$kept"
+            [ "${QUELMARK_RENEW:-}" = 1 ] && convert "$file" -strip -colors 16 -type Palette -define png:compression-level=9 -define png:exclude-chunks=date,time "$kept"
             convert "$kept" wanted.pnm
             cmp "$file" wanted.pnm || fail "$file is another picture" ;;
     esac
