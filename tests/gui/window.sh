@@ -32,6 +32,14 @@ text=$(iconv -f CP932 -t UTF-8 "$folder/printed")
 case "$text" in *"選択したポリゴン 1 "*"選択したポリゴン 1640 "*) ;; *) fail "a click and the key A have not selected: $text" ;; esac
 case "$text" in *Error*) fail "an error: $text" ;; esac
 
+# One Escape leaves an open menu: the next key is the scripts'.
+counts() { iconv -f CP932 -t UTF-8 "$folder/printed" | grep -o '選択したポリゴン' | wc -l; }
+before=$(counts)
+xdotool mousemove 30 8 click 1; settle
+xdotool key Escape; settle
+xdotool mousemove 300 250 key c; settle
+[ "$(counts)" = $((before + 1)) ] || fail "a key after a menu was left has not reached the scripts"
+
 # One view alone, fitted: more than the background is to be seen.
 xdotool key 1; settle; xdotool key f; settle
 import -window root -depth 8 "$folder/root.ppm"
