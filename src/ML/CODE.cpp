@@ -135,6 +135,18 @@ void CodeSettleSlots(std::int32_t start, std::int32_t locals) {
     }
 }
 
+void CodeRenameFunction(std::int32_t start, std::int32_t from, std::int32_t to) {
+    for (auto index = static_cast<std::size_t>(start); index < Code.size(); ++index) {
+        Instruction& i = Code[index];
+        const bool isCall = i.op == Opcode::CALL || i.op == Opcode::CALL_DROP;
+        const bool isValue = (i.op == Opcode::LOAD && i.c == TYPE_FUNC) ||
+                             (i.op == Opcode::SET_ELEMENT_CONSTANT && i.a == TYPE_FUNC);
+        if ((isCall || isValue) && i.value == from) {
+            i.value = to;
+        }
+    }
+}
+
 const char* OpcodeName(Opcode op) {
     return OPCODES[static_cast<std::size_t>(op)].name;
 }

@@ -152,6 +152,8 @@ void CodePaste(const std::vector<Instruction>& instructions);
 void CodeDiscard(std::int32_t start);
 // Puts the temporaries of the instructions from `start` on behind `locals`, where that has not been done yet.
 void CodeSettleSlots(std::int32_t start, std::int32_t locals);
+// From `start` on the function `from` is called `to`.
+void CodeRenameFunction(std::int32_t start, std::int32_t from, std::int32_t to);
 const char* OpcodeName(Opcode op);
 
 }  // namespace quelmark

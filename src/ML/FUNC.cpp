@@ -56,6 +56,12 @@ void SetMember(std::int32_t classId, std::int32_t ident, Member member) {
     }
 }
 
+void CheckNameRoom() {
+    if (IdentCount(FunctionNames.get()) >= nameLimit) {
+        FatalError("%s", "識別子管理バッファがオーバーフローしました"_sjis);
+    }
+}
+
 std::vector<Constant>::iterator ConstantPlace(std::string_view name) {
     return std::lower_bound(
         constants.begin(), constants.end(), name,
@@ -101,9 +107,7 @@ void FunctionTablesSeal() {
 }
 
 std::int32_t FunctionNameAdd(std::string_view name, std::uint8_t attribute) {
-    if (IdentCount(FunctionNames.get()) >= nameLimit) {
-        FatalError("%s", "識別子管理バッファがオーバーフローしました"_sjis);
-    }
+    CheckNameRoom();
     return IdentAdd(FunctionNames.get(), name, attribute);
 }
 
@@ -111,6 +115,18 @@ bool IsMethodName(std::int32_t ident) {
     return std::any_of(ClassList + 1, ClassList + MAX_CLASS, [ident](const ClassEntry& entry) {
         return entry.name != nullptr && entry.members[ident].own;
     });
+}
+
+std::int32_t FunctionHide(std::int32_t ident) {
+    CheckNameRoom();
+    const std::int32_t hidden = IdentAddHidden(FunctionNames.get(), FunctionName(ident), 0);
+    for (const ClassEntry& entry : ClassList) {
+        if (entry.name != nullptr) {
+            entry.members[hidden] = entry.members[ident];
+        }
+    }
+    ScriptMemberClear(ident);
+    return hidden;
 }
 
 void ScriptMemberSet(std::int32_t ident, const ScriptFunction* script) {

@@ -36,6 +36,12 @@ std::vector<std::int32_t>::const_iterator Place(const IdentTable& table, std::st
         });
 }
 
+void CheckRoom(const IdentTable& table) {
+    if (IdentCount(&table) >= table.capacity) {
+        FatalError("%s", "識別子管理バッファがオーバーフローしました"_sjis);
+    }
+}
+
 const Slot& SlotOf(const IdentTable* table, std::int32_t id) {
     Check(table != nullptr && 0 <= id && id < IdentCount(table), "0 <= id && id < table->count");
     return table->slots[static_cast<std::size_t>(id)];
@@ -59,20 +65,23 @@ IdentTablePtr IdentCreate(std::int32_t capacity, std::int32_t reserved) {
     return table;
 }
 
-std::int32_t IdentAdd(IdentTable* table, std::string_view name, std::uint8_t attribute) {
-    if (IdentCount(table) >= table->capacity) {
-        FatalError("%s", "識別子管理バッファがオーバーフローしました"_sjis);
-    }
-    if (IdentFind(table, name) >= 0) {
-        CompileError("識別子 %s が２重定義されています"_sjis, std::string(name).c_str());
-    }
-    const std::int32_t id = IdentCount(table);
+std::int32_t IdentAddHidden(IdentTable* table, std::string_view name, std::uint8_t attribute) {
+    CheckRoom(*table);
     Slot slot;
     slot.attribute = attribute;
     name.substr(0, NAME_BYTES).copy(slot.name, NAME_BYTES);
-    const auto place = Place(*table, name);
-    table->index.insert(place, id);
     table->slots.push_back(slot);
+    return IdentCount(table) - 1;
+}
+
+std::int32_t IdentAdd(IdentTable* table, std::string_view name, std::uint8_t attribute) {
+    CheckRoom(*table);
+    if (IdentFind(table, name) >= 0) {
+        CompileError("識別子 %s が２重定義されています"_sjis, std::string(name).c_str());
+    }
+    const auto place = Place(*table, name) - table->index.cbegin();
+    const std::int32_t id = IdentAddHidden(table, name, attribute);
+    table->index.insert(table->index.cbegin() + place, id);
     return id;
 }
 

@@ -30,6 +30,8 @@ IdentTablePtr IdentCreate(std::int32_t capacity, std::int32_t reserved);
 // The new id. Fatal when full: "識別子管理バッファがオーバーフローしました"; a name already there is the
 // positional error "識別子 %s が２重定義されています".
 std::int32_t IdentAdd(IdentTable* table, std::string_view name, std::uint8_t attribute);
+// The same, but the name is found by no lookup.
+std::int32_t IdentAddHidden(IdentTable* table, std::string_view name, std::uint8_t attribute);
 // The id, or -1 (also for a null table).
 std::int32_t IdentFind(const IdentTable* table, std::string_view name);
 std::uint8_t IdentAttr(const IdentTable* table, std::int32_t id);

@@ -38,6 +38,9 @@ void FunctionTablesSeal();
 std::int32_t FunctionNameAdd(std::string_view name, std::uint8_t attribute);
 // Some class has a method of this name, which every file must find.
 bool IsMethodName(std::int32_t ident);
+// Gives the script function an id of its own, known to compiled code alone, and leaves the name to the
+// methods that share it. The id.
+std::int32_t FunctionHide(std::int32_t ident);
 // Makes a global function a script function.
 void ScriptMemberSet(std::int32_t ident, const ScriptFunction* script);
 

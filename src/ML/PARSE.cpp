@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "ML/ASSIGN.h"
 #include "ML/CODE.h"
@@ -47,6 +48,8 @@ IdentTablePtr localNames;
 std::int32_t globalRoom = 0;
 std::int32_t statementDepth = 0;  // 1 for the outermost statement
 bool semicolonMayBeMissing = false;
+
+std::vector<std::int32_t> privateMethods;  // private functions of this file that have the name of a method
 
 void PurgePrivateNames() {
     IdentPurgePrivate(globalNames.get());
@@ -200,8 +203,11 @@ std::int32_t ParseFunctionName(bool isPrivate) {
             FunctionNameAdd(name, static_cast<std::uint8_t>(IDENT_FUNC | (isPrivate ? IDENT_PRIVATE : 0)));
     } else if (ClassList[0].members[ident].kind != MemberKind::Undefined) {
         CompileError("関数 %s が二重定義されています。"_sjis, name.c_str());
-    } else if (isPrivate && !IsMethodName(ident)) {
-        IdentMakePrivate(FunctionNames.get(), ident);  // it was declared ahead without the word
+    }
+    if (isPrivate && IsMethodName(ident)) {
+        privateMethods.push_back(ident);
+    } else if (isPrivate) {
+        IdentMakePrivate(FunctionNames.get(), ident);  // it may have been declared ahead without the word
     }
     NextToken();
     return ident;
@@ -355,6 +361,7 @@ class CompileScope {
         localNames.reset();
         ControlReset();
         Nodes.clear();
+        privateMethods.clear();
         if (finished_) {
             return;
         }
@@ -366,9 +373,25 @@ class CompileScope {
     }
     CompileScope(const CompileScope&) = delete;
     CompileScope& operator=(const CompileScope&) = delete;
-    void Finish() { finished_ = true; }
+    void Finish() {
+        HidePrivateMethods();
+        PurgePrivateNames();
+        finished_ = true;
+    }
 
   private:
+    // The methods keep the name, this file's code keeps the function.
+    void HidePrivateMethods() {
+        for (std::size_t i = functions_; i < ScriptFunctions.size(); ++i) {
+            std::int32_t& ident = ScriptFunctions[i].ident;
+            if (std::find(privateMethods.begin(), privateMethods.end(), ident) != privateMethods.end()) {
+                const std::int32_t hidden = FunctionHide(ident);
+                CodeRenameFunction(code_, ident, hidden);
+                ident = hidden;
+            }
+        }
+    }
+
     std::int32_t code_;
     std::size_t functions_;
     bool finished_ = false;
@@ -384,7 +407,6 @@ void ParseFile() {
         ControlLeaveHere();
     }
     TopLevel.temporaries = std::max(TopLevel.temporaries, EmitTemporariesUsed());
-    PurgePrivateNames();
     scope.Finish();
 }
 

@@ -122,6 +122,21 @@ TEST_F(Parser, APrivateFunctionLeavesTheMethodOfItsNameKnown) {
     EXPECT_EQ(RunMore("private function substr(n) { return n; } print(substr(5));"), "5");
     EXPECT_EQ(RunMore("print(\"abc\".substr(2));"), "ab");
 }
+TEST_F(Parser, APrivateFunctionWithTheNameOfAMethodIsKnownInItsFileOnly) {
+    Start();
+    EXPECT_EQ(
+        RunMore(
+            "function early() { return substr(4); }"
+            "private function substr(n) { return n + 1; }"
+            "var f = substr, a[1]; a[0] = substr;"
+            "print(early(), substr(5), \"abc\".substr(2), call(f, 6), call(a[0], \"abc\", 1), f == substr);"),
+        "5 6 ab 7 a TRUE");
+    EXPECT_EQ(RunMore("print(early(), \"abc\".substr(1)); substr(5);"),
+              "5 a! test.qms:1:  Error 関数 substr が定義されていません。");
+    EXPECT_EQ(RunMore("private function substr(n) { return n + 2; } print(substr(5), early());"), "7 5");
+    EXPECT_EQ(RunMore("function substr(n) { return n + 3; } print(substr(5), early(), call(f, 1));"),
+              "8 5 2");
+}
 TEST_F(Parser, PrivateFunctionsStayCallableByTheirOwnFile) {
     Start();
     EXPECT_EQ(RunMore("private function hidden() { return 1; } function open() { return hidden(); }"), "");

@@ -137,6 +137,18 @@ TEST_F(Scanner, Bytes159And252AreNoFirstBytes) {
     EXPECT_EQ(All("\"\x9F\" a"), "\"\x9F\" a end");
     EXPECT_EQ(All("\"\xFC\" a"), "\"\xFC\" a end");
 }
+TEST_F(Scanner, Bytes128To158And224To251AreFirstBytes) {
+    for (int byte = 128; byte < 256; ++byte) {
+        const std::string before = std::string("\"") + static_cast<char>(byte);
+        const bool isFirst = byte <= 158 || (byte >= 224 && byte <= 251);
+        Open(before + "\\n\"");
+        EXPECT_EQ(StringText(CurrentToken.value).size(), isFirst ? 3U : 2U) << byte;
+    }
+}
+TEST_F(Scanner, AnEscapeMayBeAFirstByte) {
+    EXPECT_EQ(All("\"\\x83\"\" a"), "\"\x83\"\" a end");
+    EXPECT_EQ(All("\"\\0203\"\" a"), "\"\x83\"\" a end");
+}
 TEST_F(Scanner, AdjacentStringLiteralsJoin) {
     EXPECT_EQ(All("\"ab\" /* and */ \n // more\n \"cd\" x"), "\"abcd\" x end");
 }
