@@ -84,6 +84,19 @@ class ScriptTest : public testing::Test {
         const std::string all = Run(source);
         return message.empty() ? "no error: " + all : message;
     }
+
+    // The same behind its position, and what a source prints; each in an interpreter of its own.
+    std::string Error(std::string_view source) {
+        const std::string text = Fail(source);
+        const std::size_t at = text.find("Error ");
+        InterpreterExit();
+        return at == std::string::npos ? text : text.substr(at + 6);
+    }
+    std::string Prints(std::string_view source) {
+        const std::string text = Run(source);
+        InterpreterExit();
+        return text;
+    }
 };
 
 }  // namespace quelmark::test

@@ -15,17 +15,6 @@ class Executor : public ScriptTest {
         ScriptTest::TearDown();
         EXPECT_EQ(ObjectCount, 0);
     }
-    std::string Error(std::string_view source) {
-        const std::string text = Fail(source);
-        const std::size_t at = text.find("Error ");
-        InterpreterExit();
-        return at == std::string::npos ? text : text.substr(at + 6);
-    }
-    std::string Prints(std::string_view source) {
-        const std::string text = Run(source);
-        InterpreterExit();
-        return text;
-    }
 };
 
 // ---- operators ----

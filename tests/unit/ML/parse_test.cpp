@@ -6,21 +6,7 @@
 namespace quelmark::test {
 namespace {
 
-class Parser : public ScriptTest {
-  protected:
-    // The message behind the position.
-    std::string Error(std::string_view source) {
-        const std::string text = Fail(source);
-        const std::size_t at = text.find("Error ");
-        InterpreterExit();
-        return at == std::string::npos ? text : text.substr(at + 6);
-    }
-    std::string Prints(std::string_view source) {
-        const std::string text = Run(source);
-        InterpreterExit();
-        return text;
-    }
-};
+using Parser = ScriptTest;
 
 TEST_F(Parser, AStatementThatBeginsWithAVariableMustAssign) {
     EXPECT_EQ(Error("var a; a;"), "代入演算子が必要です");
