@@ -1,8 +1,5 @@
 #include "host/HOST.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <climits>
@@ -18,6 +15,7 @@
 #include "host/BUTTONS.h"
 #include "host/CONFIG.h"
 #include "host/INPUT.h"
+#include "host/LOG.h"
 #include "host/LOOPEVENT.h"
 #include "host/PALETTE.h"
 #include "host/PANES.h"
@@ -37,7 +35,6 @@ constexpr std::int32_t KILOBYTE = 1024;
 Window* window = nullptr;
 std::string programDirectory;
 std::vector<std::string> argumentTexts;  // cp932, the program's path first
-std::string logPath;                     // host path, empty for no log
 std::string searchPath;
 bool handlersInstalled = false;
 bool started = false;
@@ -50,52 +47,12 @@ struct Settings {
     std::int32_t bufferKilobytes = 128, objects = 16, attributes = 256, vertices = 256;
 };
 
-// ---- log and messages ----
-
-void WriteLog(std::string_view text) {
-    if (logPath.empty()) {
-        return;
-    }
-    // Opened and closed each time, so that the log survives a crash.
-    if (const FilePtr file{std::fopen(logPath.c_str(), "ab")}) {
-        std::fwrite(text.data(), 1, text.size(), file.get());
-    }
-}
-
-void WriteOutput(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    WriteLog(text);
-}
-
-void WriteFormat(const char* format, auto... arguments) {
-    char text[512];
-    const int length = std::snprintf(text, sizeof text, format, arguments...);
-    WriteLog({text, static_cast<std::size_t>(std::min(length, static_cast<int>(sizeof text) - 1))});
-}
-
-bool SameStream(int a, int b) {
-    struct stat one {
-    }, other{};
-    return ::fstat(a, &one) == 0 && ::fstat(b, &other) == 0 && one.st_dev == other.st_dev &&
-           one.st_ino == other.st_ino;
-}
-
-// Before the window can show anything: the output log, and standard error where that is another place.
-void ShowOnTerminal(std::string_view message) {
-    std::string line(message);
-    line += '\n';
-    WriteOutput(line);
-    std::fflush(stdout);
-    if (!SameStream(STDOUT_FILENO, STDERR_FILENO)) {
-        const std::string utf8 = Cp932ToUtf8(line);
-        std::fwrite(utf8.data(), 1, utf8.size(), stderr);
-    }
-}
+// ---- messages ----
 
 void OnError(std::string_view message) {
     failed = true;
     if (!handlersInstalled) {
-        ShowOnTerminal(message);
+        TerminalShow(message);
     } else {
         window->Beep();
         MessageShow(message);
@@ -107,34 +64,6 @@ int OnWarning(std::string_view message) {
     window->Beep();
     MessageAdd(message);
     return 0;
-}
-
-void SetUpLog(const std::string& programPath) {
-    if (const char* name = std::getenv("QUELMARKLOG")) {
-        logPath = name;
-    } else if (programPath.size() > 4 && programPath.find_last_of("./") == programPath.size() - 4 &&
-               programPath[programPath.size() - 4] == '.') {
-        logPath = programPath.substr(0, programPath.size() - 3) + "log";
-    } else {
-        logPath.clear();
-    }
-    if (logPath.empty()) {
-        return;
-    }
-    ::unlink(logPath.c_str());
-    if (!FilePtr(std::fopen(logPath.c_str(), "ab"))) {
-        const std::string message = Cp932ToUtf8("ログファイルに書けません: "_sjis) + logPath + "\n";
-        std::fwrite(message.data(), 1, message.size(), stderr);
-        logPath.clear();
-    }
-}
-
-void UsageReport() {
-    WriteFormat("Code Used  : %d Kbytes\n", CodeUsed() / KILOBYTE + 1);
-    WriteFormat("Stack Used : %d\n", StackMaxUsed());
-    WriteFormat("Globals    : %d\n", GlobalsUsed());
-    WriteFormat("Functions  : %d\n", FunctionsUsed());
-    WriteLog("Quelmark 1.1.1\n");
 }
 
 // ---- start-up ----
@@ -197,7 +126,7 @@ Settings ReadSettings(const std::vector<std::string>& lines) {
 }
 
 void CompileSources(const std::vector<std::string>& lines) {
-    WriteLog("\nCode Used\n");
+    LogWrite("\nCode Used\n");
     bool any = false;
     for (const std::string& line : lines) {
         const auto entry = ConfigSplit(line);
@@ -214,9 +143,9 @@ void CompileSources(const std::vector<std::string>& lines) {
         }
         any = true;
         const std::int32_t used = CompileFile(*path);
-        WriteFormat("%-10s : %d\n", name->key.c_str(), used);
+        LogFormat("%-10s : %d\n", name->key.c_str(), used);
     }
-    WriteFormat("%-10s : %d\n", "Total", CodeUsed());
+    LogFormat("%-10s : %d\n", "Total", CodeUsed());
     if (!any) {
         FatalError("%s", "ソースファイルが読み込まれていません。"_sjis);
     }
@@ -378,6 +307,14 @@ void RunScripts() {
     }
 }
 
+void UsageReport() {
+    LogFormat("Code Used  : %d Kbytes\n", CodeUsed() / KILOBYTE + 1);
+    LogFormat("Stack Used : %d\n", StackMaxUsed());
+    LogFormat("Globals    : %d\n", GlobalsUsed());
+    LogFormat("Functions  : %d\n", FunctionsUsed());
+    LogWrite("Quelmark 1.1.1\n");
+}
+
 void ShutDown() {
     ViewEnableDrawing(false);
     ViewSetDamageHook(nullptr);
@@ -406,7 +343,7 @@ int Run(const CommandLine& commandLine, void (*registerLibraries)()) {
         return EndEarly();
     } catch (const std::bad_alloc&) {
         failed = true;
-        ShowOnTerminal("メモリが足りません。"_sjis);
+        TerminalShow("メモリが足りません。"_sjis);
         return EndEarly();
     }
     ShutDown();
@@ -421,9 +358,9 @@ int HostMain(Window& mainWindow, const std::string& programPath, const std::vect
     window = &mainWindow;
     handlersInstalled = started = errorKept = failed = false;
     QuitFlag = false;
-    SetUpLog(programPath);
-    SetOutputSink(WriteOutput);
-    SetTraceSink(WriteLog);
+    LogOpen(programPath);
+    SetOutputSink(OutputWrite);
+    SetTraceSink(LogWrite);
     SetErrorHandlers([](std::string_view message) { OnError(message); }, OnWarning);
     const int status = Run({programPath, arguments}, registerLibraries);
     std::fflush(stdout);
