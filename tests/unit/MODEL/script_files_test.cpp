@@ -14,6 +14,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* FAMILIES[] = {"polygon", "vertex",    "attribute", "object",
                                     "matrix",  "selection", "vertexset", "edge"};
+// Pages of what lies below the model; their scripts are run elsewhere.
+constexpr const char* PAGES[] = {"file", "string", "standard"};
 
 struct Example {
     std::string name;  // letters, digits and underscores
@@ -40,6 +42,9 @@ void AddBlocks(const std::string& family, std::vector<Example>& examples) {
 
 std::vector<Example> Examples() {
     std::vector<Example> examples;
+    for (const std::string page : PAGES) {
+        AddBlocks(page, examples);
+    }
     for (const std::string family : FAMILIES) {
         AddBlocks(family, examples);
         const fs::path folder = fs::path(QUELMARK_SOURCE_DIR "/tests/script") / family;
@@ -53,7 +58,24 @@ std::vector<Example> Examples() {
     return examples;
 }
 
-class ModelScript : public ModelTest, public testing::WithParamInterface<Example> {};
+// In a folder of its own: some examples write files.
+class ModelScript : public ModelTest, public testing::WithParamInterface<Example> {
+  protected:
+    fs::path before = fs::current_path();
+    fs::path folder;
+
+    void SetUp() override {
+        ModelTest::SetUp();
+        std::string name = fs::temp_directory_path() / "exampleXXXXXX";
+        folder = ::mkdtemp(name.data());
+        fs::current_path(folder);
+    }
+    void TearDown() override {
+        fs::current_path(before);
+        fs::remove_all(folder);
+        ModelTest::TearDown();
+    }
+};
 
 TEST_P(ModelScript, PrintsWhatStandsBesideItsStatements) {
     const std::string& source = GetParam().source;
