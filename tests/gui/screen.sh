@@ -10,7 +10,8 @@ window=
 trap 'kill $server $window 2>/dev/null; rm -rf "$folder"' EXIT
 for _ in $(seq 100); do [ -s "$folder/display" ] && break; sleep 0.05; done
 DISPLAY=:$(cat "$folder/display")
-export DISPLAY
+# xdotool types what the locale can carry.
+export DISPLAY LC_ALL=C.UTF-8
 # Waits until the program has dealt with what was sent: it sleeps, and has used next to no time for a while. A loaded machine takes longer.
 ticks() { awk '{ print $3, $14 + $15 }' "/proc/$window/stat" 2>/dev/null; }
 settle() {
