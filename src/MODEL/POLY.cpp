@@ -23,6 +23,8 @@ std::uint32_t ObjRevision = 0;
 
 namespace {
 
+constexpr std::uint32_t ID_LAST = 0x7FFFFFFF;
+std::uint32_t lastId = 0;        // of the records given so far
 std::uint32_t loadedLayout = 0;  // BufLayout when LoadedPolygon was last known to be a record
 
 constexpr std::int32_t HEADER_BYTES = 24;    // of a polygon record, before its vertices
@@ -128,10 +130,9 @@ void PlaneNormal(std::span<const VertexRecord> vertices, std::int16_t normal[3])
 }
 
 void PolygonGiveId(PolygonRecord& polygon) {
-    static std::uint32_t last = 0;
-    last = last == 0x7FFFFFFF ? 1 : last + 1;
-    polygon.idLow = static_cast<std::int16_t>(last & 0xFFFF);
-    polygon.flags = static_cast<std::uint16_t>((last >> 16 << 1) | (polygon.flags & POLYGON_INVISIBLE));
+    lastId = lastId == ID_LAST ? 1 : lastId + 1;
+    polygon.idLow = static_cast<std::int16_t>(lastId & 0xFFFF);
+    polygon.flags = static_cast<std::uint16_t>((lastId >> 16 << 1) | (polygon.flags & POLYGON_INVISIBLE));
 }
 
 bool PolygonAppend(std::int32_t select) {

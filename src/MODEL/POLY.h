@@ -13,8 +13,8 @@ inline constexpr std::int32_t VERTEX_MAX = 32767;
 inline constexpr std::int32_t VERTEX_LIMIT = 1024;  // a polygon has 1 to 1023 vertices
 
 enum PolygonType : std::uint16_t { POLY_SIMPLE = 0, POLY_SHADE = 1, POLY_UV = 2, POLY_UVSHADE = 3 };
-inline constexpr std::uint16_t POLYGON_INVISIBLE =
-    1;  // bit of PolygonRecord::flags; the others are of the id
+// The bit of PolygonRecord::flags that is a flag; the others are of the record's id.
+inline constexpr std::uint16_t POLYGON_INVISIBLE = 1;
 
 struct VertexRecord {
     std::int16_t x, y, z;     // model coordinates
