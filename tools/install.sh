@@ -22,4 +22,4 @@ install_missing() {
 
 BUILD_PACKAGES=(g++ cmake ninja-build qt6-base-dev libgl-dev zlib1g-dev)
 WINDOW_PACKAGES=(qt6-qpa-plugins libxcb-cursor0 fonts-ipafont-gothic)
-TEST_PACKAGES=(clang clang-format clang-tidy libgtest-dev libbenchmark-dev xvfb xdotool x11-utils imagemagick locales)
+TEST_PACKAGES=(clang clang-format clang-tidy libgtest-dev libbenchmark-dev libx11-dev xvfb xdotool x11-utils imagemagick locales)

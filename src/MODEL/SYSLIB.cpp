@@ -114,12 +114,13 @@ std::int32_t StatusBarWidth(std::int32_t, std::int32_t, DataCell* argv) {
 }
 
 std::int32_t RendParameter(std::int32_t, std::int32_t, DataCell*) {
-    const PixelRect views = ViewsRect();
+    const PixelRect all = ViewsRect();
+    const PixelRect views = HostWindow().NativeRect({all.left + RENDER_MARGIN, all.top + RENDER_MARGIN,
+                                                     all.right - RENDER_MARGIN, all.bottom - RENDER_MARGIN});
     char text[160];
-    const int length = std::snprintf(
-        text, sizeof text, "--inline=%lu,%d,%d -c%dx%d", static_cast<unsigned long>(HostWindow().Handle()),
-        views.left + RENDER_MARGIN, views.top + RENDER_MARGIN, views.right - views.left - 2 * RENDER_MARGIN,
-        views.bottom - views.top - 2 * RENDER_MARGIN);
+    const int length = std::snprintf(text, sizeof text, "--inline=%lu,%d,%d -c%dx%d",
+                                     static_cast<unsigned long>(HostWindow().Handle()), views.left, views.top,
+                                     views.right - views.left, views.bottom - views.top);
     StackPushString({text, static_cast<std::size_t>(length)});
     return RESULT;
 }

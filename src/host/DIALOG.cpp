@@ -125,27 +125,31 @@ std::int32_t DialogRun() {
     Dialog dialog = std::move(*underConstruction);
     underConstruction.reset();
     std::fflush(stdout);
+    const bool quitBefore = QuitFlag;
     const std::int32_t result = HostWindow().RunDialog(dialog);
     KeepAnswers(dialog);
     HostWindow().Deliver(0);
     HostRaiseKept();
+    if (QuitFlag && !quitBefore) {
+        HostUnwind();  // a dialog is a wait: its command does not go on
+    }
     return result >= BUTTON_RESULT_FIRST ? result - BUTTON_RESULT_FIRST : result;
 }
 
-void DialogChanged(Dialog& dialog, std::int32_t row) {
+bool DialogChanged(Dialog& dialog, std::int32_t row) {
     dialog.untold |= 1U << row;
     if (dialog.telling) {
-        return;
+        return true;
     }
     KeepAnswers(dialog);
     if (dialog.handler < 0) {
-        return;
+        return true;
     }
     // A slow handler lets the window system deliver messages. A row that changes meanwhile is told of when
     // the handler has come back, once, however often it has changed; the handler sees the same answers all
     // the time.
     dialog.telling = true;
-    while (dialog.untold != 0) {
+    while (dialog.untold != 0 && !QuitFlag) {
         const std::int32_t next = std::countr_zero(dialog.untold);
         dialog.untold &= dialog.untold - 1;
         KeepAnswers(dialog);
@@ -153,6 +157,7 @@ void DialogChanged(Dialog& dialog, std::int32_t row) {
         std::fflush(stdout);  // what it has printed is to be seen while the dialog waits
     }
     dialog.telling = false;
+    return !QuitFlag;
 }
 
 void DialogReset() {

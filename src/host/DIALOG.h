@@ -91,8 +91,9 @@ void DialogAddRow(DialogRow row);
 // more is reduced by 1000. An error in the dialog's handler is raised when the dialog has closed.
 std::int32_t DialogRun();
 // The window tells of a row that the user has changed; every row holds what its control shows. The answers
-// are then those of this moment, and the dialog's handler is called.
-void DialogChanged(Dialog& dialog, std::int32_t row);
+// are then those of this moment, and the dialog's handler is called. False when the handler has ended the
+// program: the dialog is to be closed.
+bool DialogChanged(Dialog& dialog, std::int32_t row);
 void DialogReset();
 // Without a dialog under construction again (after an error).
 void DialogDiscard();

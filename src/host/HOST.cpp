@@ -38,8 +38,9 @@ std::vector<std::string> argumentTexts;  // cp932, the program's path first
 std::string searchPath;
 bool handlersInstalled = false;
 bool started = false;
-bool failed = false;     // an error has been reported
-bool errorKept = false;  // raised inside the window system, not yet in the wait step
+bool failed = false;         // an error has been reported
+bool askingToClose = false;  // the can-close handler is running
+bool errorKept = false;      // raised inside the window system, not yet in the wait step
 
 struct Settings {
     InterpreterSizes interpreter;
@@ -152,8 +153,15 @@ void CompileSources(const std::vector<std::string>& lines) {
 }
 
 bool BreakWanted() {
+    std::fflush(stdout);  // what a script prints is to be seen while it runs
     const bool wanted = window->TakeBreakKey();
     PanesRefresh();
+    if (!wanted && window->TakeCloseRequest()) {
+        HostCloseRequested();
+        if (QuitFlag) {
+            HostUnwind();  // a script that never waits would keep the window open
+        }
+    }
     return wanted;
 }
 
@@ -356,7 +364,7 @@ int HostMain(Window& mainWindow, const std::string& programPath, const std::vect
              void (*registerLibraries)()) {
     std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is a write that fails, not the program's end
     window = &mainWindow;
-    handlersInstalled = started = errorKept = failed = false;
+    handlersInstalled = started = askingToClose = errorKept = failed = false;
     QuitFlag = false;
     LogOpen(programPath);
     SetOutputSink(OutputWrite);
@@ -395,13 +403,20 @@ std::string HostArgument(std::int32_t index) {
                : std::string();
 }
 
-bool HostMayClose() {
-    if (PaneEvents.canClose < 0) {
-        return true;
+void HostCloseRequested() {
+    if (QuitFlag || askingToClose) {
+        return;
     }
+    if (PaneEvents.canClose < 0) {
+        QuitFlag = true;
+        return;
+    }
+    askingToClose = true;
     bool close = false;
     HostGuarded([&close] { close = CallHandler(PaneEvents.canClose, {0}); });
-    return close;
+    askingToClose = false;
+    QuitFlag = QuitFlag || close;  // the handler itself may have called Quit
+    HostRaiseKept();
 }
 
 void HostGuarded(const std::function<void()>& work) {
@@ -433,8 +448,8 @@ void HostDeliverHeld() {
     window->Deliver(HELD_INTERVAL);
     const InputState now = TakeInput();
     QuitFlag = QuitFlag || now.finished;
-    if (now.closeRequested && !QuitFlag) {
-        QuitFlag = HostMayClose() || QuitFlag;
+    if (now.closeRequested) {
+        HostCloseRequested();
     }
     if (now.keyCode != 0) {
         KeyPutBack(now.keyCode, now.shift);

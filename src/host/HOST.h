@@ -24,8 +24,9 @@ void HostResized();
 const std::string& HostProgramDirectory();
 // The argument at an index, 0 the program's path; "" beyond the last.
 std::string HostArgument(std::int32_t index);
-// Asks the can-close handler; a handler that fails or gives no result keeps the window open.
-bool HostMayClose();
+// The window system asks to close: sets the quit flag when the can-close handler agrees or there is none. A
+// handler that fails or gives no result keeps the window open; while it runs nothing more is asked.
+void HostCloseRequested();
 // Runs script code on behalf of the window system, inside Window::Deliver: an error does not cross the window
 // system's frames, it is kept and raised again when control is back in the wait step.
 void HostGuarded(const std::function<void()>& work);

@@ -184,18 +184,17 @@ void KeyPutBack(std::int32_t code, std::int32_t shift) {
 }
 
 void WaitStep(Waiting who) {
-    std::fflush(stdout);  // what scripts have printed is to be seen while they wait
     const bool inLoop = who == Waiting::EventLoop;
     InputState now;
     for (bool pending = true; pending;) {
+        std::fflush(stdout);  // what has been printed is to be seen while the scripts wait
         const std::int32_t interval = keptKey.code != 0 ? 0 : PULSE_INTERVAL;
         HostWindow().Deliver(inLoop ? LoopEventWait(interval) : interval);
         HostRaiseKept();
         now = TakeInput();
         QuitFlag = QuitFlag || now.finished;
-        if (now.closeRequested && !QuitFlag) {
-            QuitFlag = HostMayClose() || QuitFlag;  // the handler itself may have called Quit
-            HostRaiseKept();
+        if (now.closeRequested) {
+            HostCloseRequested();
         }
         if (QuitFlag) {
             return;
@@ -234,6 +233,9 @@ bool InputStep(Waiting who) {
     }
     if (QuitFlag) {
         HostUnwind();
+    }
+    if (Input.wheel != 0 && PaneWheel(Input.x, Input.y, Input.wheel)) {
+        Input.wheel = 0;
     }
     if (Input.keyCode >= MENU_CODE_FIRST && Input.keyCode < MENU_CODE_END) {
         const std::int32_t command = Input.keyCode - MENU_CODE_FIRST;

@@ -25,10 +25,15 @@ constexpr std::int32_t TEXT_CHARACTERS = 8;
 constexpr std::int32_t MARGIN = 7;
 constexpr std::int32_t STATUS_MARGIN = 6;
 constexpr std::int32_t FIELD_GAP = 5;
+// Characters, with its margin, that field 0 keeps in a narrow window: a field that would take them is not
+// shown.
+constexpr std::int32_t FIRST_FIELD_LEAST = 16;
 constexpr std::size_t STATUS_BYTES = 255;
 constexpr std::size_t MESSAGE_LINES = 10;
 constexpr std::uint32_t SCROLL_INTERVAL = 200;
 constexpr std::int32_t OBJECT_ROWS = 6;
+constexpr std::int32_t WHEEL_ROWS = 3;       // of a turn of the wheel
+constexpr std::int32_t WHEEL_TURNS = 10000;  // more scroll any list to its end
 
 // Rows counted from the bottom of the panel.
 constexpr std::int32_t COORDINATES_UP = 5;
@@ -96,13 +101,17 @@ void AddObjectRows(std::vector<PaneRow>& rows) {
     rows.push_back({Rows() - OBJECTS_BOTTOM_UP, more ? "   ▼"_sjis : "", false, true});
 }
 
+void Scroll(std::int32_t& top, std::int32_t by, std::int32_t last, std::int32_t visible) {
+    top = std::clamp(top + by, 0, std::max(last + 1 - visible, 0));
+    HostWindow().Invalidate(Pane::List);
+}
+
 // Scrolls a list by one entry at once and again every 200 ms while a button is held.
 void ScrollWhileHeld(std::int32_t& top, std::int32_t by, std::int32_t last, std::int32_t visible) {
     std::uint32_t next = HostWindow().Milliseconds();
     while ((Input.left || Input.right) && !QuitFlag) {
         if (static_cast<std::int32_t>(HostWindow().Milliseconds() - next) >= 0) {
-            top = std::clamp(top + by, 0, std::max(last + 1 - visible, 0));
-            HostWindow().Invalidate(Pane::List);
+            Scroll(top, by, last, visible);
             next += SCROLL_INTERVAL;
         }
         HostDeliverHeld();
@@ -226,17 +235,14 @@ PixelRect StatusFieldRect(std::int32_t field) {
     std::int32_t right = bar.right - 1;
     for (std::int32_t i = STATUS_FIELDS - 1; i >= 1; --i) {
         const std::int32_t width = fields[static_cast<std::size_t>(i)].width;
-        if (width <= 0) {
-            if (i == field) {
-                return {0, 0, 0, 0};
-            }
-            continue;
-        }
         const std::int32_t left = right - width * cw - 2;
+        const bool shown = width > 0 && left - FIELD_GAP >= FIRST_FIELD_LEAST * cw;
         if (i == field) {
-            return {left, bar.top + 2, right, bar.bottom - 1};
+            return shown ? PixelRect{left, bar.top + 2, right, bar.bottom - 1} : PixelRect{0, 0, 0, 0};
         }
-        right = left - FIELD_GAP;
+        if (shown) {
+            right = left - FIELD_GAP;
+        }
     }
     return {cw, bar.top + 2, right, bar.bottom - 1};
 }
@@ -363,6 +369,20 @@ bool PanePress(std::int32_t x, std::int32_t y) {
         return true;
     }
     return false;
+}
+
+bool PaneWheel(std::int32_t x, std::int32_t y, std::int32_t turns) {
+    if (y >= StatusRect().top || x < ListRect().left) {
+        return false;
+    }
+    const std::int32_t row = y / std::max(HostWindow().LineHeight(), 1);
+    const std::int32_t by = -std::clamp(turns, -WHEEL_TURNS, WHEEL_TURNS) * WHEEL_ROWS;
+    if (row < Rows() - OBJECTS_TOP_UP) {
+        Scroll(attributeTop, by, AttrLast, AttributeRows());
+    } else if (row < Rows() - COORDINATES_UP) {
+        Scroll(objectTop, by, ObjLast, OBJECT_ROWS);
+    }
+    return true;
 }
 
 }  // namespace quelmark

@@ -70,4 +70,8 @@ std::string PaneTip(std::int32_t x, std::int32_t y);
 // A button is down at this point: true when it lies on a pane, which has then dealt with it.
 bool PanePress(std::int32_t x, std::int32_t y);
 
+// The wheel turns at this point, away from the user positive: true when it lies on the list panel, whose
+// lists scroll.
+bool PaneWheel(std::int32_t x, std::int32_t y, std::int32_t turns);
+
 }  // namespace quelmark

@@ -40,6 +40,8 @@ class Window {
     virtual InputState TakeInput() = 0;
     // Delivers messages without waiting; true when Shift+Ctrl+Delete is waiting, which is taken.
     virtual bool TakeBreakKey() = 0;
+    // True when the window system asks to close, which is taken. Delivers nothing.
+    virtual bool TakeCloseRequest() = 0;
     // Delivers messages without waiting; true when Escape is waiting, which is taken with every other key.
     virtual bool TakeEscapeKey() = 0;
     // A clock that only grows.
@@ -69,6 +71,8 @@ class Window {
     virtual void Beep() = 0;
     // The native window's handle, 0 when there is none.
     virtual std::uint64_t Handle() const = 0;
+    // A part of the client area in the pixels of the native window, which may be smaller than those here.
+    virtual PixelRect NativeRect(const PixelRect& rect) const = 0;
 };
 
 }  // namespace quelmark

@@ -30,6 +30,7 @@ class DeafWindow : public Window {
         return state;
     }
     bool TakeBreakKey() override { return false; }
+    bool TakeCloseRequest() override { return false; }
     bool TakeEscapeKey() override { return false; }
     std::uint32_t Milliseconds() override { return clock_ += 100000; }
     std::int32_t ClientWidth() const override { return 1024; }
@@ -46,6 +47,7 @@ class DeafWindow : public Window {
     void OpenDocument(const std::string&) override {}
     void Beep() override {}
     std::uint64_t Handle() const override { return 0; }
+    PixelRect NativeRect(const PixelRect& rect) const override { return rect; }
 
   private:
     std::uint32_t clock_ = 0;

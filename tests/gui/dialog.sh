@@ -47,7 +47,7 @@ views before.ppm
 xdotool key Right; printed 'changed 0 1 .* FALSE'; settle
 views after.ppm
 cmp -s before.ppm after.ppm && fail "the views behind the dialog have not changed"
-xdotool key Tab x; printed 'changed 1 1 x FALSE'
+xdotool key Tab Tab x; printed 'changed 1 1 x FALSE'
 xdotool key Tab space; settle
 xdotool key shift+ctrl+Delete; printed '強制終了しました'
 xdotool key space; printed 'changed 2 1 x FALSE'

@@ -44,11 +44,11 @@ dialog=$(xdotool search --name '^ask' | head -1)
 [ -n "$dialog" ] || { echo "no dialog"; kill $window; exit 1; }
 eval "$(xdotool getwindowgeometry --shell "$dialog" | grep -E '^(X|Y|WIDTH|HEIGHT)=')"
 lines "${WIDTH}x$HEIGHT+$X+$Y" > picture
-# Lines through a field are mostly white: where the white begins, and where the text ends.
+# Lines through a text field are mostly white (the number of a slider is shorter): where the white begins, and where the text ends.
 awk 'BEGIN { field = 0 }
      { first = 0; count = 0; last = 0
        for (i = 1; i <= NF; i++) { if ($i == "ffffff") { count++; if (!first) first = i } if ($i ~ /^[0-9].[0-9].[0-9].$/) last = i }
-       if (count > 60) { begin[first]++; if (last > end[field]) end[field] = last; within = 1 } else if (within) { field++; within = 0 } }
+       if (count > 100) { begin[first]++; if (last > end[field]) end[field] = last; within = 1 } else if (within) { field++; within = 0 } }
      END { for (b in begin) if (begin[b] > 5) n++; print n, end[0] + 0, end[1] + 0 }' picture > found
 read -r columns first second < found
 [ "$columns" = 1 ] || fail "the fields begin in $columns columns"

@@ -80,7 +80,7 @@ choose_item() {
         END { n = split(last, lines, "\n")
               for (i = 1; i < n; i++) {
                   split(lines[i], part, "\t")
-                  if (part[5] != title || part[6] == "-" || part[4] + 0) continue
+                  if ((part[5] != title && index(part[5], title "(") != 1) || part[6] == "-" || part[4] + 0) continue
                   downs++
                   if (index(part[6], text) == 1) { print part[2], downs; exit } } }')
     [ -n "$found" ] || give_up "$2 cannot be picked"

@@ -47,7 +47,7 @@ for _ in 1 2 3 4 5 6 7 8; do xdotool click 5; sleep 0.05; done
 sleep 0.4
 picture scrolled.ppm
 cmp -s top.ppm scrolled.ppm && fail "the wheel has not scrolled the rows"
-for _ in $(seq 28); do xdotool key Tab; done
+for _ in $(seq 56); do xdotool key Tab; done
 xdotool key space; sleep 0.4
 xdotool key Return
 for _ in $(seq 60); do kill -0 $window 2>/dev/null || break; sleep 0.05; done

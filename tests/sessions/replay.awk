@@ -23,7 +23,7 @@ what == "button" || what == "file" { lines[++held] = $0; next }
 what == "pick" {
     title = rest; sub(/ .*/, "", title); text = substr(rest, length(title) + 2)
     if (text ~ /^[1-5]( |$)/) { put("menu 0 " 8 + substr(text, 1, 1)); next }
-    for (i = 1; i <= n; i++) { split(items[i], part_, "\t"); if (part_[5] == title && index(part_[6], text) == 1) { put("menu " part_[2] " " part_[3]); next } }
+    for (i = 1; i <= n; i++) { split(items[i], part_, "\t"); if ((part_[5] == title || index(part_[5], title "(") == 1) && index(part_[6], text) == 1) { put("menu " part_[2] " " part_[3]); next } }
     print "no item " rest > "/dev/stderr"; next }
 what == "key" { put("key " code(rest)); next }
 what == "shot" { put("shot " rest ".ppm"); next }

@@ -171,7 +171,9 @@ std::int32_t ConsoleWindow::RunDialog(Dialog& dialog) {
             RefuseEvent(event, "the dialog has no such row");
         }
         GiveAnswer(*row, event);
-        DialogChanged(dialog, row->row);
+        if (!DialogChanged(dialog, row->row)) {
+            return 0;
+        }
     }
     return 0;
 }

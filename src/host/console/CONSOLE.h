@@ -19,7 +19,8 @@ class ConsoleWindow final : public Window {
     void Deliver(std::int32_t milliseconds) override;
     InputState TakeInput() override;
     bool TakeBreakKey() override;
-    bool TakeEscapeKey() override { return false; }  // the keys of a session are for its wait steps
+    bool TakeCloseRequest() override { return false; }  // it waits for the wait step
+    bool TakeEscapeKey() override { return false; }     // the keys of a session are for its wait steps
     std::uint32_t Milliseconds() override { return clock_; }
     std::int32_t ClientWidth() const override { return width_; }
     std::int32_t ClientHeight() const override { return height_; }
@@ -35,6 +36,7 @@ class ConsoleWindow final : public Window {
     void OpenDocument(const std::string&) override {}
     void Beep() override {}
     std::uint64_t Handle() const override { return 0; }
+    PixelRect NativeRect(const PixelRect& rect) const override { return rect; }
 
   private:
     void Perform(const SessionEvent& event);

@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -12,6 +13,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QSlider>
+#include <QSpinBox>
 #include <QStyle>
 #include <QToolTip>
 #include <QVBoxLayout>
@@ -145,7 +147,25 @@ TakeAnswer AddSelection(QHBoxLayout& line, DialogRow& row, const Changed& change
     return [list, &row] { row.value = std::max(list->currentIndex(), 0); };
 }
 
+// The slider's number, six columns wide: it can be typed, too, as far as it lies within the slider's range.
+QSpinBox* AddNumber(QHBoxLayout& line, const QSlider& slider) {
+    constexpr int COLUMNS = 6;
+    auto* number = new QSpinBox;
+    number->setRange(slider.minimum(), slider.maximum());
+    number->setSingleStep(slider.singleStep());
+    number->setValue(slider.value());
+    number->setAlignment(Qt::AlignRight);
+    line.addWidget(number);  // from here on it has the dialog's font
+    const QFontMetrics metrics(number->font());
+    const int ends = std::max(metrics.horizontalAdvance(QString::number(slider.minimum())),
+                              metrics.horizontalAdvance(QString::number(slider.maximum())));
+    const int missing = metrics.horizontalAdvance(QLatin1Char('0')) * COLUMNS - ends;
+    number->setMinimumWidth(number->sizeHint().width() + std::max(missing, 0));
+    return number;
+}
+
 TakeAnswer AddSlider(QHBoxLayout& line, DialogRow& row, const Changed& changed) {
+    constexpr int SLIDER_COLUMNS = 16;
     AddRowLabel(line, row);
     auto* slider = new QSlider(Qt::Horizontal);
     slider->setRange(row.lower, std::max(row.lower, row.upper));
@@ -153,15 +173,10 @@ TakeAnswer AddSlider(QHBoxLayout& line, DialogRow& row, const Changed& changed) 
     slider->setPageStep(std::max(row.step, 1));
     slider->setValue(row.value);
     line.addWidget(slider);
-    auto* number = new QLabel;
-    line.addWidget(number);
-    const auto show = [number](int value) { number->setText(QString::asprintf("%6d", value)); };
-    for (const int end : {slider->minimum(), slider->maximum()}) {
-        show(end);
-        number->setMinimumWidth(std::max(number->minimumWidth(), number->sizeHint().width()));
-    }
-    show(slider->value());
-    QObject::connect(slider, &QSlider::valueChanged, number, show);
+    slider->setFixedWidth(SLIDER_COLUMNS * QFontMetrics(slider->font()).horizontalAdvance(QLatin1Char('0')));
+    QSpinBox* number = AddNumber(line, *slider);
+    QObject::connect(slider, &QSlider::valueChanged, number, &QSpinBox::setValue);
+    QObject::connect(number, &QSpinBox::valueChanged, slider, &QSlider::setValue);
     QObject::connect(slider, &QSlider::valueChanged, slider, changed);
     return [slider, &row] { row.value = slider->value(); };
 }
@@ -220,7 +235,7 @@ int TitleWidth(const QDialog& shown) {
 }  // namespace
 
 std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
-                         const std::function<void(std::int32_t row)>& changed) {
+                         const std::function<bool(std::int32_t row)>& changed) {
     QDialog shown(parent);
     shown.setWindowTitle(ToText(dialog.title));
     shown.setFont(parent->font());
@@ -234,9 +249,11 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
     for (DialogRow& row : dialog.rows) {
         auto* line = new QHBoxLayout;
         lines->addLayout(line);
-        answers.push_back(AddRow(*line, row, [take, &changed, number = row.row] {
+        answers.push_back(AddRow(*line, row, [take, &changed, &shown, number = row.row] {
             take();
-            changed(number);
+            if (!changed(number)) {
+                shown.reject();
+            }
         }));
         line->addStretch();
     }
@@ -273,7 +290,12 @@ std::string QtRunFileDialog(QWidget* parent, const FileDialog& dialog) {
         shown.setLabelText(label, text);
     }
     if (const auto initial = HostPath(dialog.initialName); initial && !initial->empty()) {
-        shown.selectFile(QString::fromStdString(*initial));
+        const QString name = QString::fromStdString(*initial);
+        if (QFileInfo(name).isDir()) {
+            shown.setDirectory(name);
+        } else {
+            shown.selectFile(name);
+        }
     }
     if (shown.exec() != QDialog::Accepted || shown.selectedFiles().isEmpty()) {
         return "";

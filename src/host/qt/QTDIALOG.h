@@ -12,7 +12,7 @@ namespace quelmark {
 // Fills in the rows' answers; the result of the button pressed, 0 when cancelled. `changed` is told of each
 // row that the user changes, when all rows hold what their controls show.
 std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
-                         const std::function<void(std::int32_t row)>& changed);
+                         const std::function<bool(std::int32_t row)>& changed);
 // A host path (UTF-8), "" when cancelled.
 std::string QtRunFileDialog(QWidget* parent, const FileDialog& dialog);
 

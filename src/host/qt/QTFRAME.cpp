@@ -6,10 +6,57 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
+#include <QStyleOption>
+#include <algorithm>
+#include <cmath>
 
 #include "host/qt/QTTEXT.h"
 
 namespace quelmark {
+namespace {
+
+// The library shows neither the title that the keyboard is at nor, at most scales, the bar's last row of
+// screen pixels as part of its lower edge.
+class MenuBar final : public QMenuBar {
+  public:
+    using QMenuBar::QMenuBar;
+
+  protected:
+    void initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const override {
+        QMenuBar::initStyleOption(option, action);
+        if (hasFocus() && action == activeAction()) {
+            option->state |= QStyle::State_Sunken;
+        }
+    }
+    void paintEvent(QPaintEvent* event) override {
+        constexpr int DARKER_PERCENT = 112;
+        QMenuBar::paintEvent(event);
+        QPainter painter(this);
+        painter.fillRect(QRect(0, height() - 1, width(), 1),
+                         palette().color(QPalette::Window).darker(DARKER_PERCENT));
+    }
+};
+
+// With the letter marked that chooses it: the one in brackets at its end, 表示(V), else the first.
+QString Marked(std::string_view cp932) {
+    const QString text = ToText(cp932);
+    const QString name = text.section(QLatin1Char('\t'), 0, 0);
+    const bool bracketed =
+        name.size() > 3 && name.endsWith(QLatin1Char(')')) && name.at(name.size() - 3) == QLatin1Char('(');
+    const qsizetype place = bracketed ? name.size() - 2 : 0;
+    const bool marks =
+        place < name.size() && name.at(place).unicode() < 128 && name.at(place).isLetterOrNumber();
+    const auto escaped = [](QString part) { return part.replace(QLatin1Char('&'), QLatin1String("&&")); };
+    return escaped(text.left(place)) + (marks ? QLatin1String("&") : QLatin1String("")) +
+           escaped(text.mid(place));
+}
+
+}  // namespace
+
+QtFrame::QtFrame() {
+    setMenuBar(new MenuBar(this));
+}
 
 void QtFrame::ShowMenus(const MenuTree& menus) {
     // Clearing the bar leaves its menus alive. They may be deleted only later: a menu's own script may be
@@ -20,7 +67,7 @@ void QtFrame::ShowMenus(const MenuTree& menus) {
     }
     for (std::size_t position = 0; position < menus.size(); ++position) {
         const MenuColumn& column = menus[position];
-        auto* menu = new QMenu(ToLabel(column.title), menuBar());
+        auto* menu = new QMenu(Marked(column.title), menuBar());
         menu->setEnabled(!column.greyed);
         menuBar()->addMenu(menu);
         menu->installEventFilter(this);
@@ -31,6 +78,40 @@ void QtFrame::ShowMenus(const MenuTree& menus) {
         });
     }
     menuBar()->setVisible(!menus.empty());
+    FitMenuBar();
+}
+
+// A bar of 23 units would be 34.5 screen pixels high at 150 %, and half a row of background would show below
+// it.
+void QtFrame::FitMenuBar() {
+    constexpr int MORE_MOST = 8;
+    constexpr double ROUNDING = 0.001;
+    const int needed = menuBar()->sizeHint().height();
+    int height = needed;
+    const auto isWhole = [&] {
+        const double pixels = height * devicePixelRatioF();
+        return std::abs(pixels - std::round(pixels)) < ROUNDING;
+    };
+    while (!isWhole() && height < needed + MORE_MOST) {
+        ++height;
+    }
+    menuBar()->setMinimumHeight(height);
+}
+
+void QtFrame::EnterMenus() {
+    const QList<QAction*> titles = menuBar()->actions();
+    const auto first = std::ranges::find_if(titles, &QAction::isEnabled);
+    if (first != titles.end()) {
+        menuBar()->setActiveAction(*first);
+    }
+}
+
+bool QtFrame::event(QEvent* event) {
+    const bool done = QMainWindow::event(event);
+    if (event->type() == QEvent::ScreenChangeInternal) {  // to a screen of another scale
+        FitMenuBar();
+    }
+    return done;
 }
 
 void QtFrame::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
@@ -40,7 +121,7 @@ void QtFrame::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
             menu.addSeparator();
             continue;
         }
-        QAction* action = menu.addAction(ToLabel(entry.text));
+        QAction* action = menu.addAction(Marked(entry.text));
         action->setEnabled(!entry.greyed);
         action->setCheckable(entry.checked);
         action->setChecked(entry.checked);

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QInputMethodEvent>
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "ML/ERROR.h"
 #include "host/BUTTONS.h"
@@ -34,6 +36,7 @@ namespace {
 constexpr int FONT_PIXELS = 16;
 constexpr int WHEEL_TURN = 120;
 constexpr std::size_t KEYS_MOST = 64;  // typed ahead
+constexpr std::size_t F10 = 10;        // among the special keys
 constexpr std::uint8_t PULSE_ENTRY = 14;
 constexpr std::uint8_t FRAME_COLOUR = 13;
 
@@ -154,6 +157,10 @@ bool QtWindow::TakeBreakKey() {
     return TakeKey([](const PendingKey& key) { return key.code == 0x8013 && key.shift == 3; });
 }
 
+bool QtWindow::TakeCloseRequest() {
+    return std::exchange(state_.closeRequested, false);
+}
+
 bool QtWindow::TakeEscapeKey() {
     return TakeKey([](const PendingKey& key) { return key.code == 27; });
 }
@@ -214,6 +221,12 @@ void QtWindow::keyPressEvent(QKeyEvent* event) {
     modifiers |= event->key() == Qt::Key_Shift ? Qt::ShiftModifier : Qt::NoModifier;
     modifiers |= event->key() == Qt::Key_Control ? Qt::ControlModifier : Qt::NoModifier;
     TakeShift(modifiers);
+    if ((modifiers & Qt::AltModifier) != 0) {
+        return;  // for the menu bar and the window system
+    }
+    if (event->key() == Qt::Key_F10 && modifiers == Qt::NoModifier && Handlers.special[F10] < 0) {
+        frame_.EnterMenus();
+    }
     if (const std::int32_t code = KeyCodeOf(*event)) {
         return PutKey(code);
     }
@@ -240,7 +253,20 @@ void QtWindow::inputMethodEvent(QInputMethodEvent* event) {
     for (const char byte : text.value_or("")) {
         PutKey(static_cast<unsigned char>(byte));
     }
+    preedit_ = event->preeditString();
+    update();
     event->accept();
+}
+
+// Where an input method shows its choices: beside the text that is being written.
+QVariant QtWindow::inputMethodQuery(Qt::InputMethodQuery query) const {
+    return query == Qt::ImCursorRectangle && hosted_ ? QVariant(FromGrid(grid_, PreeditRect()))
+                                                     : QWidget::inputMethodQuery(query);
+}
+
+QRect QtWindow::PreeditRect() const {
+    const int width = QFontMetrics(font_).horizontalAdvance(preedit_) + characterWidth_;
+    return {0, StatusRect().top - lineHeight_ - 2, width, lineHeight_ + 2};
 }
 
 // The library rounds the place of most events to its own units; where the mouse was last is known exactly.
@@ -370,15 +396,15 @@ void QtWindow::LetGo() {
 
 std::int32_t QtWindow::RunDialog(Dialog& dialog) {
     LetGo();
-    return QtRunDialog(this, dialog, [&](std::int32_t row) { TellChange(dialog, row); });
+    return QtRunDialog(this, dialog, [&](std::int32_t row) { return TellChange(dialog, row); });
 }
 
 // What the dialog's handler has drawn is to be seen at once, however fast the next changes come.
-void QtWindow::TellChange(Dialog& dialog, std::int32_t row) {
+bool QtWindow::TellChange(Dialog& dialog, std::int32_t row) {
     if (telling_++ == 0) {
         QCoreApplication::instance()->installEventFilter(this);
     }
-    DialogChanged(dialog, row);
+    const bool goesOn = DialogChanged(dialog, row);
     if (--telling_ == 0) {
         QCoreApplication::instance()->removeEventFilter(this);
     }
@@ -389,6 +415,7 @@ void QtWindow::TellChange(Dialog& dialog, std::int32_t row) {
         }
         repaint(region);
     }
+    return goesOn;
 }
 
 // The keyboard is the dialog's while its handler runs, but Shift+Ctrl+Delete still stops the handler.
@@ -410,11 +437,18 @@ std::string QtWindow::RunFileDialog(const FileDialog& dialog) {
 }
 
 void QtWindow::OpenDocument(const std::string& path) {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(path)));
+    const QFileInfo document(QString::fromStdString(path));
+    QDesktopServices::openUrl(QUrl::fromLocalFile(document.absoluteFilePath()));
 }
 
 void QtWindow::Beep() {
     QApplication::beep();
+}
+
+// The native window's first pixel is the grid's first, or the whole one next to it.
+PixelRect QtWindow::NativeRect(const PixelRect& rect) const {
+    const int cell = grid_.cell;
+    return {rect.left * cell, rect.top * cell, rect.right * cell, rect.bottom * cell};
 }
 
 void QtWindow::ShowFrame(const QRect& area) {
@@ -454,6 +488,7 @@ void QtWindow::paintEvent(QPaintEvent* event) {
     PaintButtons(painter);
     PaintStatus(painter);
     PaintMessage(painter);
+    PaintPreedit(painter);
 }
 
 void QtWindow::PaintTexts(QPainter& painter) {
@@ -557,6 +592,19 @@ void QtWindow::PaintMessage(QPainter& painter) {
         top += lineHeight_;
     }
     painter.setClipping(false);
+}
+
+// What an input method holds that is not yet typed, above the status bar.
+void QtWindow::PaintPreedit(QPainter& painter) {
+    if (preedit_.isEmpty()) {
+        return;
+    }
+    const QRect place = PreeditRect();
+    painter.fillRect(place, Entry(PANE_TEXT));
+    painter.setPen(Qt::black);
+    painter.drawText(place.left() + characterWidth_ / 2, place.top() + QFontMetrics(font_).ascent(),
+                     preedit_);
+    painter.fillRect(place.left(), place.bottom() - 1, place.width(), 1, Qt::black);
 }
 
 }  // namespace quelmark

@@ -26,6 +26,7 @@ class QtWindow final : public QWidget, public Window {
     void Deliver(std::int32_t milliseconds) override;
     InputState TakeInput() override;
     bool TakeBreakKey() override;
+    bool TakeCloseRequest() override;
     bool TakeEscapeKey() override;
     std::uint32_t Milliseconds() override;
     std::int32_t ClientWidth() const override { return grid_.width; }
@@ -42,6 +43,7 @@ class QtWindow final : public QWidget, public Window {
     void OpenDocument(const std::string& path) override;
     void Beep() override;
     std::uint64_t Handle() const override { return static_cast<std::uint64_t>(winId()); }
+    PixelRect NativeRect(const PixelRect& rect) const override;
 
     // From here on sizes are told to the host.
     void StartHost() { hosted_ = true; }
@@ -55,6 +57,7 @@ class QtWindow final : public QWidget, public Window {
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -80,6 +83,8 @@ class QtWindow final : public QWidget, public Window {
     void PaintButtons(QPainter& painter);
     void PaintStatus(QPainter& painter);
     void PaintMessage(QPainter& painter);
+    void PaintPreedit(QPainter& painter);
+    QRect PreeditRect() const;
     QColor Entry(std::uint8_t index) const;
 
     struct PendingKey {
@@ -97,13 +102,14 @@ class QtWindow final : public QWidget, public Window {
     };
     // A dialog takes the keyboard and the mouse away: what was held is let go.
     void LetGo();
-    void TellChange(Dialog& dialog, std::int32_t row);
+    bool TellChange(Dialog& dialog, std::int32_t row);
     int telling_ = 0;  // changes that are being told of, one inside the other
 
     QtFrame& frame_;
     InputState state_;
     std::deque<PendingButtons> buttons_;
     std::deque<PendingKey> keys_;
+    QString preedit_;             // of an input method
     QPointF pointer_;             // where the mouse was last
     std::int32_t wheelRest_ = 0;  // eighths of a degree not yet a whole turn
     FramePalette palette_{};

@@ -32,6 +32,7 @@ class HandWindow final : public Window {
     std::string opened;  // document
     std::function<std::int32_t(Dialog&)> answer;
     std::string chosenFile;
+    bool closeWanted = false;  // asked to close while a script runs
 
     void Deliver(std::int32_t milliseconds) override {
         ++delivered;
@@ -55,6 +56,7 @@ class HandWindow final : public Window {
         return taken;
     }
     bool TakeBreakKey() override { return false; }
+    bool TakeCloseRequest() override { return std::exchange(closeWanted, false); }
     bool TakeEscapeKey() override { return false; }
     std::uint32_t Milliseconds() override { return clock; }
     std::int32_t ClientWidth() const override { return width; }
@@ -73,6 +75,7 @@ class HandWindow final : public Window {
     void OpenDocument(const std::string& path) override { opened = path; }
     void Beep() override { ++beeps; }
     std::uint64_t Handle() const override { return 7; }
+    PixelRect NativeRect(const PixelRect& rect) const override { return rect; }
 
   private:
     InputState state_;

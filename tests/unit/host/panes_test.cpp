@@ -69,6 +69,24 @@ TEST_F(PanesTest, StatusFieldsAreLaidFromTheRight) {
     });
 }
 
+TEST_F(PanesTest, AStatusFieldThatLeavesNoRoomForTheFirstIsNotShown) {
+    Run([this] {
+        StatusSetWidth(7, 12);
+        StatusSetWidth(3, 30);
+        StatusSetWidth(1, 4);
+        window.width = 300;
+        HostResized();
+        Places(StatusFieldRect(7), 201, 748, 299, 767);
+        Places(StatusFieldRect(3), 0, 0, 0, 0);
+        Places(StatusFieldRect(1), 162, 748, 196, 767);
+        Places(StatusFieldRect(0), 8, 748, 157, 767);
+        window.width = 40;
+        HostResized();
+        Places(StatusFieldRect(7), 0, 0, 0, 0);
+        Places(StatusFieldRect(0), 8, 748, 39, 767);
+    });
+}
+
 TEST_F(PanesTest, AFieldOutsideIsIgnoredAndItsWidthStillDrawsTheBar) {
     Run([this] {
         window.shown.clear();
@@ -202,6 +220,38 @@ TEST_F(PanesTest, AScrollMarkRepeatsEvery200Milliseconds) {
         window.hand.push_back(Pointer(1000, 33 * 16, 0));
         EXPECT_FALSE(InputStep());
         EXPECT_EQ(RowText(2), "a3        ");  // at once, after 200 and after 400 of 450 milliseconds
+    });
+}
+
+TEST_F(PanesTest, TheWheelScrollsTheListUnderThePointerAndIsNotTheScripts) {
+    Run([this] {
+        for (int i = 0; i < 60; ++i) {
+            AttrAlloc("a" + std::to_string(i));
+        }
+        for (int i = 0; i < 9; ++i) {
+            ObjAlloc("o" + std::to_string(i));
+        }
+        AttrCurrent = ObjCurrent = 0;
+        PanesRefresh();
+        const auto wheel = [this](std::int32_t x, std::int32_t row, std::int32_t turns) {
+            InputState turned = Pointer(x, row * 16, 0);
+            turned.wheel = turns;
+            Hand({turned});
+            EXPECT_FALSE(InputStep());
+            return Input.wheel;
+        };
+        EXPECT_EQ(wheel(1000, 10, -2), 0);
+        EXPECT_EQ(RowText(2), "a6        ");
+        EXPECT_EQ(wheel(1000, 10, 1), 0);
+        EXPECT_EQ(RowText(2), "a3        ");
+        EXPECT_EQ(wheel(1000, 36, INT32_MIN), 0);
+        EXPECT_EQ(RowText(36), "o3        ");  // the last six
+        EXPECT_EQ(wheel(1000, 36, INT32_MAX), 0);
+        EXPECT_EQ(RowText(36), "o0        *");
+        EXPECT_EQ(RowText(2), "a3        ");
+        EXPECT_EQ(wheel(1000, 44, 1), 0);  // the cursor's position scrolls nothing
+        EXPECT_EQ(RowText(2), "a3        ");
+        EXPECT_EQ(wheel(100, 10, 1), 1);
     });
 }
 
