@@ -37,6 +37,25 @@ PositionEntry PositionOf(const VertexRecord& v) {
     return {v.x, v.y, v.z, 1};
 }
 
+// How far the records have been walked: scripts make a Select of one polygon after the other. As long as no
+// record moves, new ones come behind the last.
+struct Walk {
+    std::uint32_t layout = 0;  // BufLayout that the rest is of
+    const char* at = nullptr;  // a record, or the end
+    std::int32_t before = 0;   // records before it
+};
+Walk counted, sought;
+
+// Goes to the first record that does not begin before `to`.
+void WalkTo(Walk& walk, const char* to) {
+    if (walk.layout != BufLayout || walk.at == nullptr || walk.at > to) {
+        walk = {BufLayout, BufTop, 0};
+    }
+    for (; walk.at < to; ++walk.before) {
+        walk.at += reinterpret_cast<const DataBuffer*>(walk.at)->size;
+    }
+}
+
 // The ids of the held selections, in order.
 std::array<std::vector<std::uint32_t>, SELECT_HOLDS> heldIds;
 
@@ -109,42 +128,18 @@ bool SelectBounds(VertexRecord& low, VertexRecord& high) {
     return any;
 }
 
-// Scripts make a Select of one polygon after the other: what has been walked is kept. As long as no record
-// moves, new ones come behind the last.
 std::int32_t PolygonCount() {
-    static std::uint32_t layout = 0;
-    static const char* end = nullptr;
-    static std::int32_t count = 0;
-    if (layout != BufLayout || end == nullptr || end > BufNext) {
-        layout = BufLayout;
-        end = BufTop;
-        count = 0;
-    }
-    for (; end < BufNext; end += reinterpret_cast<const DataBuffer*>(end)->size) {
-        ++count;
-    }
-    return count;
+    WalkTo(counted, BufNext);
+    return counted.before;
 }
 
 std::int32_t PolygonNumber(const PolygonRecord* wanted) {
-    static std::uint32_t layout = 0;
-    static PolygonRecord* known = nullptr;
-    static std::int32_t number = 0;
-    if (wanted == nullptr) {
+    const char* address = reinterpret_cast<const char*>(wanted);
+    if (wanted == nullptr || address < BufTop || address >= BufNext) {
         return -1;
     }
-    if (layout != BufLayout || known == nullptr || known > wanted) {
-        layout = BufLayout;
-        known = PolygonTop();
-        number = 0;
-    }
-    PolygonRecord* polygon = known;
-    for (std::int32_t i = number; polygon != nullptr && polygon <= wanted;
-         polygon = PolygonNext(polygon), ++i) {
-        known = polygon;
-        number = i;
-    }
-    return known == wanted ? number : -1;
+    WalkTo(sought, address);
+    return sought.at == address ? sought.before : -1;
 }
 
 void SelectRestore(const SelectBits& members) {
