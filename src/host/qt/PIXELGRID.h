@@ -9,6 +9,8 @@
 #include <QWidget>
 #include <cstdint>
 
+#include "view/RASTER.h"
+
 namespace quelmark {
 
 struct PixelGrid {
@@ -21,6 +23,10 @@ struct PixelGrid {
 // The cell's side for a ratio: the nearest whole number, the smaller one half way.
 int CellOf(double ratio);
 PixelGrid GridOf(const QWidget& widget);
+// The library's form of a rectangle of cells.
+inline QRect ToRect(const PixelRect& rect) {
+    return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
+}
 // The cell that holds a point of the widget.
 QPoint ToGrid(const PixelGrid& grid, QPointF point);
 // The least rectangle of cells that covers one of the widget's, and the other way round.

@@ -8,13 +8,11 @@
 #include <QFontMetrics>
 #include <QInputMethodEvent>
 #include <QMimeData>
-#include <QPainter>
 #include <QTimer>
 #include <QToolTip>
 #include <QUrl>
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 #include "ML/ERROR.h"
@@ -38,7 +36,6 @@ constexpr int WHEEL_TURN = 120;
 constexpr std::size_t KEYS_MOST = 64;  // typed ahead
 constexpr std::size_t F10 = 10;        // among the special keys
 constexpr std::uint8_t PULSE_ENTRY = 14;
-constexpr std::uint8_t FRAME_COLOUR = 13;
 
 // A fixed-pitch font in which a half-width character is half a full-width one.
 QFont JapaneseFont() {
@@ -53,29 +50,6 @@ QFont JapaneseFont() {
     font.setFixedPitch(true);
     font.setPixelSize(FONT_PIXELS);
     return font;
-}
-
-QRect ToRect(const PixelRect& rect) {
-    return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
-}
-
-// A raised or sunken rectangle: one cell of light at its left and top, one of shadow at its right and bottom.
-void PaintEdge(QPainter& painter, const QRect& place, const QColor& light, const QColor& shadow) {
-    painter.fillRect(QRect(place.left(), place.top(), place.width(), 1), light);
-    painter.fillRect(QRect(place.left(), place.top(), 1, place.height()), light);
-    painter.fillRect(QRect(place.left(), place.bottom(), place.width(), 1), shadow);
-    painter.fillRect(QRect(place.right(), place.top(), 1, place.height()), shadow);
-}
-
-// Small enough for a label to fit on a button, as far as it can still be read.
-QFont LabelFont(const QFont& font, const QString& label) {
-    constexpr int LEAST = 8;
-    constexpr int ROOM = BUTTON_SIZE - 2;
-    QFont fitting = font;
-    while (fitting.pixelSize() > LEAST && QFontMetrics(fitting).horizontalAdvance(label) > ROOM) {
-        fitting.setPixelSize(fitting.pixelSize() - 1);
-    }
-    return fitting;
 }
 
 QElapsedTimer& Clock() {
@@ -343,10 +317,6 @@ void QtWindow::moveEvent(QMoveEvent*) {
 
 // ---- what is shown ----
 
-QColor QtWindow::Entry(std::uint8_t index) const {
-    return QColor::fromRgb(palette_[index & 15]);
-}
-
 void QtWindow::Invalidate(Pane pane) {
     const PixelRect rect = pane == Pane::List      ? ListRect()
                            : pane == Pane::Buttons ? ButtonsRect()
@@ -449,162 +419,6 @@ void QtWindow::Beep() {
 PixelRect QtWindow::NativeRect(const PixelRect& rect) const {
     const int cell = grid_.cell;
     return {rect.left * cell, rect.top * cell, rect.right * cell, rect.bottom * cell};
-}
-
-void QtWindow::ShowFrame(const QRect& area) {
-    const PixelRect wanted{area.left(), area.top(), area.left() + area.width(), area.top() + area.height()};
-    ExpandFrame(ViewFrame, Intersection(wanted, ViewFrame.Bounds()), palette_,
-                reinterpret_cast<QRgb*>(picture_.bits()),
-                picture_.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb)));
-}
-
-void QtWindow::paintEvent(QPaintEvent* event) {
-    QPainter painter(this);
-    PaintOnGrid(painter, grid_);
-    if (!hosted_ || ViewFrame.width < 1) {
-        painter.fillRect(ToGrid(grid_, event->rect()), Qt::darkGray);
-        return;
-    }
-    if (picture_.width() != ViewFrame.width || picture_.height() != ViewFrame.height) {
-        picture_ = QImage(ViewFrame.width, ViewFrame.height, QImage::Format_RGB32);
-        stale_ = picture_.rect();
-    }
-    QRegion region;
-    for (const QRect& rect : event->region()) {
-        region += ToGrid(grid_, rect);
-    }
-    const QRegion wanted = stale_.intersected(region);
-    for (const QRect& rect : wanted) {
-        ShowFrame(rect);
-    }
-    stale_ -= wanted;
-    for (const QRect& rect : region) {
-        const QRect shown = rect.intersected(picture_.rect());
-        painter.drawImage(shown.topLeft(), picture_, shown);
-    }
-    painter.setFont(font_);
-    PaintTexts(painter);
-    PaintList(painter);
-    PaintButtons(painter);
-    PaintStatus(painter);
-    PaintMessage(painter);
-    PaintPreedit(painter);
-}
-
-void QtWindow::PaintTexts(QPainter& painter) {
-    const int ascent = QFontMetrics(font_).ascent();
-    for (const ViewText& text : ViewTexts()) {
-        painter.setClipRect(ToRect(Intersection(text.clip, text.place)));
-        painter.setPen(Entry(text.colour));
-        painter.drawText(text.place.left, text.place.top + ascent, ToText(text.text));
-    }
-    painter.setClipping(false);
-}
-
-void QtWindow::PaintList(QPainter& painter) {
-    const QRect panel = ToRect(ListRect());
-    painter.fillRect(panel, Qt::black);
-    painter.fillRect(QRect(panel.left(), panel.top(), 1, panel.height()), Entry(PANE_HIGHLIGHT));
-    painter.setClipRect(panel);
-    const int left = ListTextLeft();
-    const int ascent = QFontMetrics(font_).ascent();
-    for (const PaneRow& row : ListRows()) {
-        const int top = row.row * lineHeight_;
-        if (row.current) {
-            painter.fillRect(QRect(panel.left() + 2, top, panel.width() - 2, lineHeight_),
-                             Entry(FRAME_COLOUR));
-        }
-        painter.setPen(Entry(row.heading ? PANE_HIGHLIGHT : PANE_TEXT));
-        painter.drawText(left, top + ascent, ToText(row.text).trimmed());
-    }
-    painter.setClipping(false);
-}
-
-void QtWindow::PaintButtons(QPainter& painter) {
-    const QRect panel = ToRect(ButtonsRect());
-    if (panel.isEmpty()) {
-        return;
-    }
-    painter.setClipRect(panel);
-    painter.fillRect(panel, Entry(PANE_HIGHLIGHT));
-    for (const ButtonFace& face : ButtonFaces()) {
-        const QRect place = ToRect(face.rect);
-        const QColor light = Entry(face.pressed ? FRAME_COLOUR : PANE_TEXT);
-        const QColor shadow = Entry(face.pressed ? PANE_TEXT : FRAME_COLOUR);
-        PaintEdge(painter, place, light, shadow);
-        const int shift = face.pressed ? 1 : 0;
-        const QColor ink = face.enabled ? QColor(Qt::black) : Entry(FRAME_COLOUR);
-        painter.setPen(ink);
-        if (!face.picture) {
-            const QString label = ToText(face.label);
-            painter.setFont(LabelFont(labelFont_, label));
-            painter.setClipRect(place.adjusted(1, 1, -1, -1) & panel);
-            painter.drawText(place.translated(shift, shift), Qt::AlignCenter | Qt::TextDontClip, label);
-            painter.setClipRect(panel);
-            continue;
-        }
-        for (int y = 0; y < 16; ++y) {
-            for (int x = 0; x < 16; ++x) {
-                if ((face.rows[static_cast<std::size_t>(y)] >> (15 - x) & 1) != 0) {
-                    painter.fillRect(place.left() + 2 + shift + x, place.top() + 2 + shift + y, 1, 1, ink);
-                }
-            }
-        }
-    }
-    painter.setFont(font_);
-    painter.setClipping(false);
-}
-
-void QtWindow::PaintStatus(QPainter& painter) {
-    const QRect bar = ToRect(StatusRect());
-    painter.fillRect(bar, Entry(PANE_HIGHLIGHT));
-    painter.fillRect(QRect(bar.left(), bar.top(), bar.width(), 1), Entry(PANE_TEXT));
-    const int ascent = QFontMetrics(font_).ascent();
-    for (std::int32_t field = 0; field < STATUS_FIELDS; ++field) {
-        const QRect place = ToRect(StatusFieldRect(field));
-        if (place.isEmpty()) {
-            continue;
-        }
-        if (field > 0) {
-            PaintEdge(painter, place, Entry(FRAME_COLOUR), Entry(PANE_TEXT));
-        }
-        painter.setClipRect(place.adjusted(1, 0, -1, 0));
-        painter.setPen(Qt::black);
-        const std::string& text = StatusFields()[static_cast<std::size_t>(field)].text;
-        painter.drawText(place.left() + (field > 0 ? 2 : 0), place.top() + 1 + ascent, ToText(text));
-        painter.setClipping(false);
-    }
-}
-
-void QtWindow::PaintMessage(QPainter& painter) {
-    const QRect band = ToRect(MessageRect());
-    if (band.isEmpty()) {
-        return;
-    }
-    painter.fillRect(band, Entry(PANE_TEXT));
-    painter.fillRect(QRect(band.left(), band.top(), band.width(), 1), Qt::black);
-    painter.setClipRect(band);
-    painter.setPen(Qt::black);
-    const int ascent = QFontMetrics(font_).ascent();
-    int top = band.top() + lineHeight_ / 2;
-    for (const std::string& line : MessageLines()) {
-        painter.drawText(band.left() + characterWidth_, top + ascent, ToText(line));
-        top += lineHeight_;
-    }
-    painter.setClipping(false);
-}
-
-// What an input method holds that is not yet typed, above the status bar.
-void QtWindow::PaintPreedit(QPainter& painter) {
-    if (preedit_.isEmpty()) {
-        return;
-    }
-    const QRect place = PreeditRect();
-    painter.fillRect(place, Entry(PANE_TEXT));
-    painter.setPen(Qt::black);
-    painter.drawText(place.left() + characterWidth_ / 2, place.top() + QFontMetrics(font_).ascent(),
-                     preedit_);
-    painter.fillRect(place.left(), place.bottom() - 1, place.width(), 1, Qt::black);
 }
 
 }  // namespace quelmark
