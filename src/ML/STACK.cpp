@@ -254,10 +254,11 @@ void StackPush(const DataCell& cell) {
 }
 
 void StackPushObject(ObjectBlock* block) {
+    const DataCell cell = ObjectCell(block);
     if (StackPtr + 1 >= MaxStack) {
-        ObjectRelease(block);
+        ObjectRelease(block);  // pushing reports that there is no room
     }
-    *Advance(1) = ObjectCell(block);
+    *Advance(1) = cell;
 }
 
 void StackPushBool(std::int32_t value) {

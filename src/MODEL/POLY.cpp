@@ -93,7 +93,7 @@ void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t 
 }
 
 void ModelExit() {
-    UndoClear();
+    UndoExit();
     BufferExit();
     AttrExit();
     ObjExit();

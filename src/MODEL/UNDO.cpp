@@ -140,6 +140,11 @@ void UndoClear() {
     PieceForget();
 }
 
+void UndoExit() {
+    UndoClear();
+    limitBytes = UNDO_MEMORY;
+}
+
 bool UndoMark(std::string_view name) {
     try {
         redoBeforeMark = std::move(redoSteps);

@@ -13,6 +13,8 @@ inline constexpr std::size_t UNDO_MEMORY = std::size_t{512} << 20;  // bytes of 
 
 // Forgets every step.
 void UndoClear();
+// The same when the model goes; the limit is the first one again.
+void UndoExit();
 // Keeps the present state under a name, and forgets what could be redone. A mark at the state of the mark
 // before takes that one's place. False when there is no memory for it; older steps are then forgotten.
 bool UndoMark(std::string_view name);

@@ -26,10 +26,6 @@ std::string ModelBytes() {
 
 class UndoSteps : public ModelTest {
   protected:
-    void SetUp() override {
-        ModelTest::SetUp();
-        UndoLimit(UNDO_MEMORY);
-    }
     static void AddTriangle(int x) { Add({At(x, 0, 0), At(x + 10, 0, 0), At(x, 10, 5)}); }
 };
 
