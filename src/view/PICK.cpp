@@ -1,5 +1,6 @@
 // Which polygon, vertex or edge a pointer means.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -59,23 +60,17 @@ class Screen {
   private:
     // What a unit of a model axis, or for 3 the model's origin, adds to the right, upward and to the viewer.
     void Column(int axis) {
-        double p[3] = {0, 0, 0};
+        std::array<double, 3> p{};
         if (ViewState.converting) {
             const FixedMatrix& m = ViewState.conversion;
             for (int i = 0; i < 3; ++i) {
-                p[i] = axis == 3 ? m.translation[i] : m.element[axis][i] / 65536.0;
+                p[static_cast<std::size_t>(i)] = axis == 3 ? m.translation[i] : m.element[axis][i] / 65536.0;
             }
         } else if (axis < 3) {
-            p[axis] = 1;
+            p[static_cast<std::size_t>(axis)] = 1;
         }
         if (isPers) {
-            const auto& m = ViewState.perspective.row;
-            const auto through = [&](int i) {
-                const double shift = axis == 3 ? static_cast<double>(m[3][i]) : 0;
-                return p[0] * static_cast<double>(m[0][i]) + p[1] * static_cast<double>(m[1][i]) +
-                       p[2] * static_cast<double>(m[2][i]) + shift;
-            };
-            Set(axis, -through(1), through(2), -through(0));
+            Set(axis, -ToEye(p, axis, 1), ToEye(p, axis, 2), -ToEye(p, axis, 0));
             return;
         }
         const double scale = static_cast<double>(ViewState.numerator) / ViewState.denominator;
@@ -88,6 +83,15 @@ class Screen {
         } else {
             Set(axis, x, z, -p[1]);
         }
+    }
+    // What a unit of an axis, or the origin, at p adds to a coordinate of eye space.
+    static double ToEye(const std::array<double, 3>& p, int axis, int coordinate) {
+        const auto& m = ViewState.perspective.row;
+        double sum = axis == 3 ? static_cast<double>(m[3][coordinate]) : 0;
+        for (std::size_t i = 0; i < p.size(); ++i) {
+            sum += p[i] * static_cast<double>(m[i][coordinate]);
+        }
+        return sum;
     }
     void Set(int axis, double toRight, double upward, double toViewer) {
         row[0][axis] = toRight;
