@@ -187,7 +187,7 @@ TEST_F(InputTest, TheWindowMayCloseWithoutAHandler) {
     InputState close;
     close.closeRequested = true;
     Hand({close, Key('a')});
-    EXPECT_EQ(Run([] { Handlers.character['a'] = NoteHandler(); }), 0);
+    EXPECT_EQ(Run([] { Handlers.character[97] = NoteHandler(); }), 0);
     EXPECT_TRUE(called.empty());
     EXPECT_EQ(window.hand.size(), 1U);
 }
