@@ -11,6 +11,7 @@
 #include "host/HOST.h"
 #include "host/INPUT.h"
 #include "host/PANES.h"
+#include "host/STARTUP.h"
 #include "text/holdfile.h"
 #include "text/sjis.h"
 #include "view/VIEW.h"
@@ -65,7 +66,7 @@ std::int32_t Beep(std::int32_t, std::int32_t, DataCell*) {
 }
 
 std::int32_t GetArg(std::int32_t, std::int32_t, DataCell* argv) {
-    StackPushString(HostArgument(argv[0].integer));
+    StackPushString(ProgramArgument(argv[0].integer));
     return RESULT;
 }
 

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "host/HOST.h"
+#include "host/STARTUP.h"
 #include "text/cp932.h"
 #include "text/path.h"
 
@@ -50,7 +51,7 @@ bool IsHelpFile(std::string_view name) {
 // The program's file in the program directory, with one of the extensions of programs.
 std::optional<std::string> InProgramDirectory(std::string_view name) {
     for (const char* extension : EXTENSIONS) {
-        std::string candidate = HostProgramDirectory() + std::string(name) + extension;
+        std::string candidate = ProgramDirectory() + std::string(name) + extension;
         if (IsFile(candidate)) {
             return candidate;
         }

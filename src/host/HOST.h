@@ -1,4 +1,4 @@
-// The program's spine: start-up and configuration, the event loop, errors, shut-down.
+// The program's spine: the whole run, the event loop, errors, shut-down.
 #pragma once
 
 #include <cstdint>
@@ -20,10 +20,6 @@ int HostMain(Window& window, const std::string& programPath, const std::vector<s
 Window& HostWindow();
 // The client area or the text sizes have changed: panes and views are laid out again.
 void HostResized();
-// The directory of the executable in drive-letter form, with its separator.
-const std::string& HostProgramDirectory();
-// The argument at an index, 0 the program's path; "" beyond the last.
-std::string HostArgument(std::int32_t index);
 // The window system asks to close: sets the quit flag when the can-close handler agrees or there is none. A
 // handler that fails or gives no result keeps the window open; while it runs nothing more is asked.
 void HostCloseRequested();
