@@ -219,6 +219,12 @@ void CheckTextArguments(std::int32_t argc, const DataCell* argv) {
     }
 }
 
+// What a line of text takes on the screen, with room for the last letter's overhang.
+std::int32_t TextWidth(std::string_view text) {
+    const auto columns = static_cast<std::int32_t>(std::min<std::size_t>(text.size(), 4096)) + 1;
+    return columns * HostWindow().CharacterWidth();
+}
+
 // The lines of a text from a pane point on, downwards.
 void ShowText(std::string_view text, const PanePoint& at, std::int32_t view, const PixelRect& clip,
               std::int32_t colour) {
@@ -230,9 +236,7 @@ void ShowText(std::string_view text, const PanePoint& at, std::int32_t view, con
     auto top = static_cast<std::int32_t>(at.y);
     for (std::size_t start = 0; start <= text.size() && top < clip.bottom;) {
         const std::string line(text.substr(start, text.find('\n', start) - start));
-        const auto columns = static_cast<std::int32_t>(std::min<std::size_t>(line.size(), 4096)) + 1;
-        const PixelRect place{left, top, left + columns * HostWindow().CharacterWidth(),
-                              top + HostWindow().LineHeight()};
+        const PixelRect place{left, top, left + TextWidth(line), top + HostWindow().LineHeight()};
         ViewTextAdd({view, clip, place, line, static_cast<std::uint8_t>(colour & 15)});
         top = place.bottom;
         start += line.size() + 1;
@@ -256,6 +260,14 @@ std::int32_t DrawText(std::int32_t, std::int32_t argc, DataCell* argv) {
                      Views[ViewIndex(view)].Rect(), argc > 2 ? argv[2].integer : COLOUR_LINE);
         }
     }
+    return NO_RESULT;
+}
+
+std::int32_t ViewTitle(std::int32_t, std::int32_t argc, DataCell* argv) {
+    const std::string text(StringText(argv[0]));
+    const std::int32_t colour = argc > 2 ? argv[2].integer & 15 : COLOUR_LINE;
+    ViewTitleSet(argv[1].integer, text, TextWidth(text), HostWindow().LineHeight(),
+                 static_cast<std::uint8_t>(colour));
     return NO_RESULT;
 }
 
@@ -421,6 +433,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "SetGrid", SetGrid, Takes("SetGrid", {TYPE_INT, TYPE_INT})},
     {"Matrix", "SetConv", SetConv, Takes("SetConv", {TYPE_OBJECT})},
     {"String", "DrawText", DrawText},
+    {"String", "ViewTitle", ViewTitle, Takes("ViewTitle", {TYPE_OBJECT, TYPE_INT, TYPE_INT}, 2)},
     {"", "PersAngle", PersAngle, Takes("PersAngle", {TYPE_INT}, 0)},
     {"", "ViewWidth", ViewSize<&ViewRecord::width>, Takes("ViewWidth", {TYPE_INT})},
     {"", "ViewHeight", ViewSize<&ViewRecord::height>, Takes("ViewHeight", {TYPE_INT})},

@@ -158,6 +158,7 @@ void ViewExit() {
     ViewEnableDrawing(false);
     OverlayInit();
     ViewTextsDrop(WIN_ALL);
+    ViewTitleSet(WIN_ALL, "", 0, 0, 0);
     ViewFrame = FrameBuffer{};
 }
 

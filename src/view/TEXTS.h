@@ -1,5 +1,5 @@
 // Texts over the views. The window draws them with its own font when it shows the frame; they are no part of
-// the frame, and go with the next redraw that clears their view.
+// the frame. Texts of scripts go with the next redraw that clears their view, titles stay.
 #pragma once
 
 #include <cstdint>
@@ -24,5 +24,12 @@ void ViewTextAdd(ViewText text);
 const std::vector<ViewText>& ViewTexts();
 // Takes away what belongs to any view of the mask.
 void ViewTextsDrop(std::int32_t mask);
+
+// The title of every view of the mask, so many pixels wide and high: in the view's upper left corner while
+// the view is shown, whatever is redrawn. An empty text takes it away.
+void ViewTitleSet(std::int32_t mask, const std::string& text, std::int32_t width, std::int32_t height,
+                  std::uint8_t colour);
+// The titles of the views that are shown.
+std::vector<ViewText> ViewTitles();
 
 }  // namespace quelmark

@@ -11,7 +11,7 @@ cell=$5
 screen=1500x1200
 . "$(dirname "$0")/screen.sh"
 unset MODELPATH QUELMARKINPUT
-cp "$(dirname "$program")/Quelmark.ini" "$folder/"
+{ cat "$(dirname "$program")/Quelmark.ini"; echo "ViewTitles = 0"; } > "$folder/Quelmark.ini"  # no texts of the window over the picture
 cd "$folder" || exit 1
 HOME="$folder" QT_SCALE_FACTOR=$(awk "BEGIN { print $percent / 100 }") "$program" "$sample" >printed 2>/dev/null &
 window=$!

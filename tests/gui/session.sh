@@ -25,7 +25,8 @@ settle() { sleep "${1:-0.25}"; }
 for part in window console; do
     mkdir "$folder/$part"
     cp "$sessions/probe.qms" "$folder/$part/"
-    { cat "$(dirname "$program")/Quelmark.ini"; echo "SourceFile = probe.qms"; } > "$folder/$part/Quelmark.ini"
+    # The titles of the views are texts of the window: they are no part of the picture.
+    { cat "$(dirname "$program")/Quelmark.ini"; printf 'ViewTitles = 0\nSourceFile = probe.qms\n'; } > "$folder/$part/Quelmark.ini"
 done
 
 # ---- the window ----

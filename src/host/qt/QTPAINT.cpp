@@ -83,11 +83,13 @@ void QtWindow::paintEvent(QPaintEvent* event) {
 
 void QtWindow::PaintTexts(QPainter& painter) {
     const int ascent = QFontMetrics(font_).ascent();
-    for (const ViewText& text : ViewTexts()) {
+    const auto paint = [&](const ViewText& text) {
         painter.setClipRect(ToRect(Intersection(text.clip, text.place)));
         painter.setPen(Entry(text.colour));
         painter.drawText(text.place.left, text.place.top + ascent, ToText(text.text));
-    }
+    };
+    std::ranges::for_each(ViewTitles(), paint);
+    std::ranges::for_each(ViewTexts(), paint);
     painter.setClipping(false);
 }
 

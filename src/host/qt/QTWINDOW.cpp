@@ -347,11 +347,13 @@ void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t gre
     if (!IsEmpty(rows)) {
         InvalidateFrame(rows);
     }
-    for (const ViewText& text : ViewTexts()) {
+    const auto renew = [this](const ViewText& text) {
         if (text.colour == PULSE_ENTRY) {
             Renew(ToRect(text.place));
         }
-    }
+    };
+    std::ranges::for_each(ViewTitles(), renew);
+    std::ranges::for_each(ViewTexts(), renew);
 }
 
 void QtWindow::SetTitle(std::string_view title) {

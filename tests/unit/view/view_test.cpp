@@ -379,6 +379,28 @@ TEST_F(View3D, OnlyTheLastTextsAreKept) {
     ViewSetMask(WIN_XY);
     EXPECT_TRUE(ViewTexts().empty());
 }
+TEST_F(View3D, ATitleStaysInTheCornerOfItsViewWhateverIsRedrawn) {
+    ViewTitleSet(WIN_YZ | WIN_PERS, "right", 40, 16, COLOUR_LINE);
+    ViewTitleSet(WIN_XY, "upper", 40, 16, 3);
+    const auto corner = [](const ViewText& title, int view) {
+        return title.place.left == Views[view].left + 3 && title.place.top == Views[view].top;
+    };
+    ViewRedraw(WHOLE_AREA, true);
+    ViewClear(true);
+    auto titles = ViewTitles();
+    ASSERT_EQ(titles.size(), 3U);
+    EXPECT_TRUE(titles[0].text == "upper" && titles[0].colour == 3 && corner(titles[0], 0));
+    EXPECT_TRUE(titles[1].text == "right" && corner(titles[1], 1));
+    EXPECT_TRUE(titles[2].text == "right" && corner(titles[2], 3));
+    ViewSetMask(WIN_PERS);
+    titles = ViewTitles();
+    ASSERT_EQ(titles.size(), 1U);
+    EXPECT_TRUE(corner(titles[0], 3));
+    ViewTitleSet(WIN_PERS, "", 0, 0, COLOUR_LINE);
+    EXPECT_TRUE(ViewTitles().empty());
+    ViewSetMask(WIN_ALL);
+    EXPECT_EQ(ViewTitles().size(), 2U);
+}
 TEST_F(View3D, TheCursorComesAndGoesWithoutATrace) {
     ViewRedraw(WHOLE_AREA, true);
     const auto before = ViewFrame.pixels;
