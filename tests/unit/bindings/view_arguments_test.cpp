@@ -160,7 +160,6 @@ constexpr Row ROWS[] = {
     {"PolyVertex(Vertex(1, 1, 1), 1, 1);", "3 番目の引数の型が不正です。( PolyVertex )"},
     {"ViewTitle(\"a\");", "引数の数が不正です。( ViewTitle )"},
     {"\"a\".ViewTitle(1.0);", "2 番目の引数の型が不正です。( ViewTitle )"},
-    {"print(\"a\".ViewTitle(1, 2));", "代入されていない変数を参照しました。"},
     {"DrawText(\"a\");", "引数の数が不正です。( DrawText )"},
     {"\"a\".DrawText(1);", "引数の数が不正です。( DrawText )"},
     {"\"a\".DrawText(1, 2.0);", "3 番目の引数の型が不正です。( DrawText )"},
