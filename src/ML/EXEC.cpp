@@ -6,6 +6,7 @@
 #include "ML/FORMS.h"
 #include "ML/FUNC.h"
 #include "ML/MEMBER.h"
+#include "ML/ML.h"
 #include "ML/STDFUNC.h"
 
 namespace quelmark {

@@ -32,8 +32,6 @@ extern Frame* CurrentFrame;            // up to date whenever something outside 
 // Loop turns and calls left until the clock is looked at; a built-in, which may be slow, counts as many.
 extern std::int32_t Ticks;
 inline constexpr std::int32_t BUILT_IN_TICKS = 64;
-// Looks at the clock, and every few milliseconds asks the break check; "強制終了しました".
-void ExecPoll();
 
 // Runs the frame CurrentFrame until it has returned. RESULT when it left a result.
 std::int32_t Execute();

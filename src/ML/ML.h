@@ -36,6 +36,9 @@ void ExecTopLevel();
 // Tells whether to stop the running script; polled at most every few milliseconds. Null: never.
 using BreakCheck = bool (*)();
 void SetBreakCheck(BreakCheck check);
+// Looks at the clock, and every few milliseconds asks the break check; "強制終了しました". For built-ins that
+// wait, too.
+void ExecPoll();
 // Must be on before compiling to have an effect: each statement run writes a trace line to the trace log.
 void SetTrace(bool on);
 

@@ -10,6 +10,7 @@
 #include <optional>
 #include <thread>
 
+#include "ML/ML.h"
 #include "host/HOST.h"
 #include "host/STARTUP.h"
 #include "text/cp932.h"
@@ -86,18 +87,22 @@ std::optional<pid_t> Spawn(const std::vector<std::string>& words) {
     return spawned ? std::optional(process) : std::nullopt;
 }
 
+// An error leaves the wait, the break key and the window's close among them; the process runs on.
 void WaitFor(pid_t process, std::uint32_t waitMost) {
     using Clock = std::chrono::steady_clock;
     constexpr auto POLL = std::chrono::milliseconds(5);
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(waitMost);
+    running.push_back(process);
     while (::waitpid(process, nullptr, WNOHANG) == 0) {
         if (Clock::now() >= end) {
-            running.push_back(process);
             return;
         }
         HostWindow().Deliver(0);
+        ExecPoll();
+        HostWindow().KeepLastKey();
         std::this_thread::sleep_for(POLL);
     }
+    std::erase(running, process);
 }
 
 }  // namespace

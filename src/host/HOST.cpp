@@ -55,6 +55,7 @@ int OnWarning(std::string_view message) {
 bool BreakWanted() {
     std::fflush(stdout);  // what a script prints is to be seen while it runs
     const bool wanted = window->TakeBreakKey();
+    PulseOn();
     PanesRefresh();
     if (!wanted && window->TakeCloseRequest()) {
         HostCloseRequested();
@@ -69,6 +70,7 @@ bool BreakWanted() {
 // the command that reads, so an Escape that waits is meant for it.
 bool EscapeWanted() {
     const bool wanted = window->TakeEscapeKey();
+    PulseOn();
     PanesRefresh();
     return wanted;
 }

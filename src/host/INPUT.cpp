@@ -24,7 +24,7 @@ bool QuitFlag = false;
 namespace {
 
 constexpr std::uint32_t PULSE_STEP = 5;  // milliseconds of one pulse index
-constexpr std::int32_t PULSE_INTERVAL =
+constexpr std::uint32_t PULSE_INTERVAL =
     40;  // milliseconds between two looks at the pulse: smooth, and next to no work
 constexpr std::int32_t PULSE_COLOURS = 128;
 constexpr std::int32_t PULSE_ENTRY = 14;
@@ -188,7 +188,7 @@ void WaitStep(Waiting who) {
     InputState now;
     for (bool pending = true; pending;) {
         std::fflush(stdout);  // what has been printed is to be seen while the scripts wait
-        const std::int32_t interval = keptKey.code != 0 ? 0 : PULSE_INTERVAL;
+        const auto interval = keptKey.code != 0 ? 0 : static_cast<std::int32_t>(PULSE_INTERVAL);
         HostWindow().Deliver(inLoop ? LoopEventWait(interval) : interval);
         HostRaiseKept();
         now = TakeInput();
@@ -217,6 +217,12 @@ void WaitStep(Waiting who) {
     Input.keyCode = now.keyCode;
     Input.shift = now.shift;
     Input.wheel = now.wheel;
+}
+
+void PulseOn() {
+    if (HostWindow().Milliseconds() - pulseTime >= PULSE_INTERVAL) {
+        Pulse();
+    }
 }
 
 void WaitRelease() {

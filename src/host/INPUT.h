@@ -70,6 +70,8 @@ InputState TakeInput();
 void PressSpend();
 // A key taken by something that is no wait step: the next wait step has it, unless another one follows.
 void KeyPutBack(std::int32_t code, std::int32_t shift);
+// Lets the colour that pulses go on while nothing waits for input.
+void PulseOn();
 // Waits until both buttons are up.
 void WaitRelease();
 // One input step: panes first, then the state for the script. True when what `Mode` waits for has come.

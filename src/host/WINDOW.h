@@ -44,6 +44,8 @@ class Window {
     virtual bool TakeCloseRequest() = 0;
     // Delivers messages without waiting; true when Escape is waiting, which is taken with every other key.
     virtual bool TakeEscapeKey() = 0;
+    // Forgets what has come while nothing was taken, but for the last key.
+    virtual void KeepLastKey() = 0;
     // A clock that only grows.
     virtual std::uint32_t Milliseconds() = 0;
 

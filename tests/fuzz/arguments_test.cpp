@@ -32,6 +32,7 @@ class DeafWindow : public Window {
     bool TakeBreakKey() override { return false; }
     bool TakeCloseRequest() override { return false; }
     bool TakeEscapeKey() override { return false; }
+    void KeepLastKey() override {}
     std::uint32_t Milliseconds() override { return clock_ += 100000; }
     std::int32_t ClientWidth() const override { return 1024; }
     std::int32_t ClientHeight() const override { return 768; }

@@ -21,6 +21,7 @@ class ConsoleWindow final : public Window {
     bool TakeBreakKey() override;
     bool TakeCloseRequest() override { return false; }  // it waits for the wait step
     bool TakeEscapeKey() override { return false; }     // the keys of a session are for its wait steps
+    void KeepLastKey() override {}
     std::uint32_t Milliseconds() override { return clock_; }
     std::int32_t ClientWidth() const override { return width_; }
     std::int32_t ClientHeight() const override { return height_; }

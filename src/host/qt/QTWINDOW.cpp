@@ -149,6 +149,14 @@ bool QtWindow::TakeKey(Test isWanted) {
     return true;
 }
 
+void QtWindow::KeepLastKey() {
+    if (keys_.size() > 1) {
+        keys_.erase(keys_.begin(), keys_.end() - 1);
+    }
+    buttons_.clear();
+    state_.wheel = 0;
+}
+
 std::uint32_t QtWindow::Milliseconds() {
     return static_cast<std::uint32_t>(Clock().elapsed());
 }

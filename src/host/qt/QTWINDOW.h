@@ -28,6 +28,7 @@ class QtWindow final : public QWidget, public Window {
     bool TakeBreakKey() override;
     bool TakeCloseRequest() override;
     bool TakeEscapeKey() override;
+    void KeepLastKey() override;
     std::uint32_t Milliseconds() override;
     std::int32_t ClientWidth() const override { return grid_.width; }
     std::int32_t ClientHeight() const override { return grid_.height; }

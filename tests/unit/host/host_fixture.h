@@ -58,6 +58,7 @@ class HandWindow final : public Window {
     bool TakeBreakKey() override { return false; }
     bool TakeCloseRequest() override { return std::exchange(closeWanted, false); }
     bool TakeEscapeKey() override { return false; }
+    void KeepLastKey() override {}
     std::uint32_t Milliseconds() override { return clock; }
     std::int32_t ClientWidth() const override { return width; }
     std::int32_t ClientHeight() const override { return height; }
