@@ -97,6 +97,14 @@ Image ImageOf(std::span<const char> memory, std::span<const Image* const> neares
     return image;
 }
 
+bool IsImageOf(const Image& image, std::span<const char> memory) {
+    bool isSame = image.size() == Parts(memory.size());
+    for (std::size_t n = 0; isSame && n < image.size(); ++n) {
+        isSame = IsEqual(image[n]->Bytes(), Part(memory, n));
+    }
+    return isSame;
+}
+
 char* PutBack(const Image& image, char* to) {
     for (const auto& piece : image) {
         const std::span<const char> bytes = piece->Bytes();

@@ -29,6 +29,7 @@ using Image = std::vector<std::shared_ptr<Piece>>;
 
 // The image of `memory`. Pieces that one of `nearest` has too are shared with it.
 Image ImageOf(std::span<const char> memory, std::span<const Image* const> nearest);
+bool IsImageOf(const Image& image, std::span<const char> memory);
 // Writes an image to memory that has room for it; the address behind it.
 char* PutBack(const Image& image, char* to);
 

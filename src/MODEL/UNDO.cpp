@@ -1,5 +1,6 @@
 #include "MODEL/UNDO.h"
 
+#include <cstring>
 #include <deque>
 #include <new>
 #include <span>
@@ -15,9 +16,15 @@
 namespace quelmark {
 namespace {
 
+struct ModelNumbers {
+    std::int32_t attrLast, attrCurrent, objLast, objCurrent, modelEdit, selectCount;
+
+    bool operator==(const ModelNumbers&) const = default;
+};
+
 struct ModelState {
     Image polygons, attributes, objects;
-    std::int32_t attrLast, attrCurrent, objLast, objCurrent, modelEdit, selectCount;
+    ModelNumbers numbers;
 
     bool operator==(const ModelState&) const = default;
 };
@@ -32,6 +39,7 @@ std::deque<Step> undoSteps;   // oldest first
 std::vector<Step> redoSteps;  // the next to redo last
 // What could be redone before the newest mark: comes back when that mark is cancelled.
 std::vector<Step> redoBeforeMark;
+bool isMarkOpen = false;  // nothing was undone or redone since the newest mark
 std::size_t limitBytes = UNDO_MEMORY;
 
 // Free entries too: a polygon may name one, and then its edit mark counts.
@@ -50,9 +58,8 @@ std::span<char> Objects() {
     return TableBytes(ObjTable, ObjectTableSize);
 }
 
-// A state without its images.
-ModelState PresentNumbers() {
-    return {{}, {}, {}, AttrLast, AttrCurrent, ObjLast, ObjCurrent, ModelEdit, SelectCount};
+ModelNumbers PresentNumbers() {
+    return {AttrLast, AttrCurrent, ObjLast, ObjCurrent, ModelEdit, SelectCount};
 }
 
 // What the present state probably resembles: the states beside it.
@@ -64,23 +71,33 @@ ModelState PresentState(std::span<const Step* const> nearest) {
         }
         return ImageOf(memory, images);
     };
-    ModelState state = PresentNumbers();
-    state.polygons = imageOf(Polygons(), &ModelState::polygons);
-    state.attributes = imageOf(Attributes(), &ModelState::attributes);
-    state.objects = imageOf(Objects(), &ModelState::objects);
-    return state;
+    return {imageOf(Polygons(), &ModelState::polygons), imageOf(Attributes(), &ModelState::attributes),
+            imageOf(Objects(), &ModelState::objects), PresentNumbers()};
+}
+
+// Does the model differ from the state otherwise than in edit marks?
+bool IsChanged(const ModelState& state) {
+    std::vector<ObjectRecord> objects(static_cast<std::size_t>(ObjectTableSize));
+    PutBack(state.objects, reinterpret_cast<char*>(objects.data()));
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        objects[i].edit = ObjTable[i].edit;
+    }
+    ModelNumbers numbers = state.numbers;
+    numbers.modelEdit = ModelEdit;
+    return numbers != PresentNumbers() || std::memcmp(objects.data(), ObjTable, Objects().size()) != 0 ||
+           !IsImageOf(state.attributes, Attributes()) || !IsImageOf(state.polygons, Polygons());
 }
 
 // What follows when the images of a step have been put back.
 void PutNumbersBack(const Step& step) {
-    const ModelState& state = step.state;
+    const ModelNumbers& numbers = step.state.numbers;
     ++BufLayout;
-    AttrLast = state.attrLast;
-    ObjLast = state.objLast;
-    AttrCurrent = state.attrCurrent;
-    ObjCurrent = state.objCurrent;
-    ModelEdit = step.isBeforeSave ? 1 : state.modelEdit;
-    SelectCount = state.selectCount;
+    AttrLast = numbers.attrLast;
+    ObjLast = numbers.objLast;
+    AttrCurrent = numbers.attrCurrent;
+    ObjCurrent = numbers.objCurrent;
+    ModelEdit = step.isBeforeSave ? 1 : numbers.modelEdit;
+    SelectCount = numbers.selectCount;
     for (std::int32_t i = 0; step.isBeforeSave && i <= ObjLast; ++i) {
         ObjTable[i].edit = ObjTable[i].used;
     }
@@ -110,9 +127,10 @@ bool Exchange(From& from, To& to) {
         return false;
     }
     redoBeforeMark.clear();
+    isMarkOpen = false;
     Step& step = from.back();
     const ModelState& old = step.state;
-    ModelState present = PresentNumbers();
+    ModelState present{{}, {}, {}, PresentNumbers()};
     try {
         present.polygons = ExchangeBegin(old.polygons, Polygons());
         present.attributes = ExchangeBegin(old.attributes, Attributes());
@@ -127,7 +145,6 @@ bool Exchange(From& from, To& to) {
     PutNumbersBack(step);
     to.back().state = std::move(present);
     from.pop_back();
-    KeepWithinLimit();
     return true;
 }
 
@@ -137,6 +154,7 @@ void UndoClear() {
     undoSteps.clear();
     redoSteps.clear();
     redoBeforeMark.clear();
+    isMarkOpen = false;
     PieceForget();
 }
 
@@ -157,6 +175,7 @@ bool UndoMark(std::string_view name) {
             nearest.push_back(&redoBeforeMark.back());
         }
         ModelState state = PresentState(nearest);
+        isMarkOpen = true;
         if (!undoSteps.empty() && undoSteps.back().state == state) {
             undoSteps.back().name = name;
             undoSteps.back().isBeforeSave = false;
@@ -197,8 +216,20 @@ bool UndoCancel() {
         undoSteps.pop_back();
         redoSteps = std::move(redoBeforeMark);
         redoBeforeMark.clear();
+        isMarkOpen = false;
     }
     return restored;
+}
+
+bool UndoEnd() {
+    if (!isMarkOpen) {
+        return false;
+    }
+    const bool isChanged = IsChanged(undoSteps.back().state);
+    if (!isChanged) {
+        UndoCancel();
+    }
+    return isChanged;
 }
 
 std::string_view UndoText() {
@@ -210,12 +241,14 @@ std::string_view RedoText() {
 }
 
 void UndoSaved() {
-    for (Step& step : undoSteps) {
-        step.isBeforeSave = true;
-    }
-    for (Step& step : redoSteps) {
-        step.isBeforeSave = true;
-    }
+    const auto differ = [](auto& steps) {
+        for (Step& step : steps) {
+            step.isBeforeSave = true;
+        }
+    };
+    differ(undoSteps);
+    differ(redoSteps);
+    differ(redoBeforeMark);
 }
 
 void UndoLimit(std::size_t bytes) {

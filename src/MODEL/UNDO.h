@@ -1,7 +1,8 @@
 // The steps that the model has gone: whole states of polygons, selection, attributes and objects, kept in
 // pieces that neighbouring states share where they are equal. A mark is taken before a change; undoing puts
 // the state of the newest mark back and keeps the present one for redoing. When the pieces need more memory
-// than the limit the oldest steps go, but the newest mark always stays.
+// than the limit the oldest steps go, but the newest mark always stays. Undoing and redoing forget nothing:
+// the state that they leave, one at most, may stand above the limit.
 #pragma once
 
 #include <cstddef>
@@ -27,6 +28,9 @@ bool UndoRestore();
 // Puts the newest marked state back and takes the mark away, as if it had never been taken: what could be
 // redone before it can be redone again, unless something was undone or redone since.
 bool UndoCancel();
+// The end of the command that the newest mark began. A mark since which nothing has changed but edit marks is
+// cancelled; false then, and when there is none or something was undone or redone since.
+bool UndoEnd();
 // The name of the step that Undo, or Redo, would take; "" when there is none.
 std::string_view UndoText();
 std::string_view RedoText();

@@ -48,6 +48,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "Redo", Take<Redo>, Takes("Redo", {})},
     {"", "UndoRestore", Take<UndoRestore>, Takes("UndoRestore", {})},
     {"", "UndoCancel", Take<UndoCancel>, Takes("UndoCancel", {})},
+    {"", "UndoEnd", Take<UndoEnd>, Takes("UndoEnd", {})},
     {"", "UndoText", Text<UndoText>, Takes("UndoText", {})},
     {"", "RedoText", Text<RedoText>, Takes("RedoText", {})},
     {"", "UndoClear", Act<UndoClear>, Takes("UndoClear", {})},

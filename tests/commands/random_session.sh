@@ -10,14 +10,16 @@ here=$(realpath "$(dirname "$0")")
 # shellcheck source=prepare.sh
 . "$here/prepare.sh"
 
-# Every fifth seed the same situation.
+# Every seventh seed the same situation.
 situation() {
-    case $(($1 % 5)) in
-        0) configuration random_session.qms empty BufferSize 64 ;;
-        1) configuration random_session.qms all BufferSize 64 ;;
-        2) configuration random_session.qms hidden BufferSize 64 ;;
+    case $(($1 % 7)) in
+        0) configuration random_session.qms empty BufferSize 512 ;;
+        1) configuration random_session.qms all BufferSize 512 ;;
+        2) configuration random_session.qms hidden BufferSize 512 ;;
         3) configuration random_session.qms full BufferSize 16 ;;
-        4) configuration random_session.qms tables BufferSize 64 Attr 5 Object 4 ;;
+        4) configuration random_session.qms tables BufferSize 512 Attr 5 Object 4 ;;
+        5) configuration random_session.qms all BufferSize 512 UndoMemory 1 ;;
+        6) configuration random_session.qms hidden BufferSize 512 Attr 40 Object 40 UndoMemory 1 ;;
     esac
 }
 situation 1
@@ -46,6 +48,10 @@ session() {
             if (random(8) == 0) return width - 76 + random(76) " " random(700)         # the lists
             return 10 + random(width - 140) " " 10 + random(700)
         }
+        function click(    where) {
+            where = place()
+            print "mouse " where " 1\nmouse " where " 0"
+        }
         function press(    x, i, button) {
             button = 1 + (random(4) == 0)
             print "mouse " place() " " button
@@ -56,12 +62,16 @@ session() {
         function key() {
             if (random(3) == 0) return pick("13 8 120 121 122 88 89 90 32774 9")
             key_ = 32 + random(95)
-            if (random(4) == 0) { do key_ = 1 + random(26); while (key_ ~ /^(14|15|17|19|23|25|26)$/) }
+            if (random(4) == 0) { do key_ = 1 + random(26); while (key_ ~ /^(14|15|17|19|23)$/ || (key_ > 24 && random(5))) }
             else if (random(4) == 0) key_ = 32769 + random(10)
             else if (random(4) == 0) key_ = 32784 + random(30)
             return key_
         }
         function hand(    i) {
+            if (random(4) == 0) {
+                for (i = 2 + random(5); i > 0; i--) click()
+                print "key 13"
+            }
             for (i = random(5); i > 0; i--) {
                 if (random(3)) press()
                 else print "key " key() " " random(4)

@@ -120,6 +120,80 @@ TEST_F(UndoSteps, AStateFromBeforeASaveComesBackEdited) {
     EXPECT_EQ(ObjTable[0].edit, 0);
     EXPECT_EQ(ModelEdit, 0);
 }
+TEST_F(UndoSteps, AStepThatComesBackWithACancelledMarkIsFromBeforeASaveToo) {
+    ObjAlloc("box");
+    UndoMark("add");
+    AddTriangle(0);
+    Undo();
+    UndoMark("given up after a save");
+    ObjTable[0].edit = 0;
+    UndoSaved();
+    UndoCancel();
+    Redo();
+    EXPECT_EQ(ObjTable[0].edit, 1);
+    EXPECT_EQ(ModelEdit, 1);
+}
+TEST_F(UndoSteps, AMarkThatEndsWithoutAChangeLeavesTheStepsAsTheyWere) {
+    UndoMark("one");
+    AddTriangle(0);
+    UndoMark("two");
+    AddTriangle(1);
+    Undo();
+    UndoMark("nothing comes of it");
+    EXPECT_FALSE(UndoEnd());
+    EXPECT_EQ(UndoText(), "one");
+    EXPECT_EQ(RedoText(), "two");
+    EXPECT_FALSE(UndoEnd());
+    EXPECT_EQ(UndoText(), "one");
+}
+TEST_F(UndoSteps, AMarkThatEndsWithAChangeOfAnyKindStays) {
+    ObjAlloc("box");
+    AttrAlloc("red");
+    AddTriangle(0);
+    const std::vector<void (*)()> changes = {
+        [] { AddTriangle(1); },
+        [] { PolygonTop()->Vertices()[0].u = 7; },
+        [] { SelectOnly(PolygonTop()); },
+        [] { AttrTable[0].col.red += 1; },
+        [] { ObjTable[0].name[0] = 'x'; },
+        [] { AttrCurrent = 1 - AttrCurrent; },
+        [] {
+            PolygonHide(true);
+            PolygonDelete();
+        },
+    };
+    for (const auto change : changes) {
+        UndoMark("change");
+        change();
+        EXPECT_TRUE(UndoEnd());
+        EXPECT_EQ(UndoText(), "change");
+    }
+}
+TEST_F(UndoSteps, AMarkSinceWhichOnlyEditMarksHaveChangedGoesWithThem) {
+    ObjAlloc("box");
+    AddTriangle(0);
+    ObjTable[0].edit = 0;
+    UndoMark("nothing comes of it");
+    ObjTable[0].edit = 1;
+    ModelEdit = 1;
+    EXPECT_FALSE(UndoEnd());
+    EXPECT_EQ(UndoText(), "");
+    EXPECT_EQ(ObjTable[0].edit, 0);
+    EXPECT_EQ(ModelEdit, 0);
+}
+TEST_F(UndoSteps, WhatWasUndoneOrRedoneIsNoEndOfACommand) {
+    UndoMark("one");
+    AddTriangle(0);
+    UndoMark("two");
+    Undo();
+    Redo();
+    EXPECT_FALSE(UndoEnd());
+    EXPECT_EQ(UndoText(), "two");
+    Undo();
+    EXPECT_FALSE(UndoEnd());
+    EXPECT_EQ(UndoText(), "one");
+    EXPECT_EQ(RedoText(), "two");
+}
 TEST_F(UndoSteps, TheEditMarkOfTheModelGoesWithItsStates) {
     UndoMark("an attribute without objects");
     AttrAlloc("red");
@@ -140,6 +214,23 @@ TEST_F(UndoSteps, TheOldestStepsGoWhenTheLimitIsPassedButTheNewestStays) {
     EXPECT_TRUE(Undo());
     EXPECT_EQ(PolygonCount(), 2);
     EXPECT_FALSE(Undo());
+}
+TEST_F(UndoSteps, UndoingAndRedoingForgetNothingThoughStatesGrowBeyondTheLimit) {
+    UndoMark("one");
+    AddTriangle(0);
+    UndoMark("two");
+    for (int i = 0; i < 100; ++i) {
+        AddTriangle(i);
+    }
+    const std::string last = ModelBytes();
+    UndoLimit(UndoHeld());
+    EXPECT_TRUE(Undo());
+    EXPECT_GT(UndoHeld(), UndoLimit());
+    EXPECT_TRUE(Undo());
+    EXPECT_EQ(PolygonCount(), 0);
+    EXPECT_TRUE(Redo());
+    EXPECT_TRUE(Redo());
+    EXPECT_EQ(ModelBytes(), last);
 }
 TEST_F(UndoSteps, StatesShareTheMemoryOfWhatIsEqual) {
     ModelExit();
