@@ -17,6 +17,7 @@ namespace quelmark {
 namespace {
 
 constexpr std::int32_t BUTTON_RESULT_FIRST = 1000;  // results from here on number the buttons
+constexpr std::int32_t CANCEL_RESULT = 2;           // unless a button has it
 
 std::optional<Dialog> underConstruction;
 std::array<DialogAnswerSlot, DIALOG_ROWS> answers;
@@ -57,6 +58,17 @@ void KeepAnswers(const Dialog& dialog) {
     for (const DialogRow& row : dialog.rows) {
         KeepAnswer(row);
     }
+}
+
+// What scripts get for the result with which the window has ended the dialog.
+std::int32_t ScriptResult(const Dialog& dialog, std::int32_t result) {
+    if (result >= BUTTON_RESULT_FIRST) {
+        return result - BUTTON_RESULT_FIRST;
+    }
+    const bool isCancel =
+        result == CANCEL_RESULT &&
+        std::ranges::find(dialog.buttons, result, &DialogButton::result) == dialog.buttons.end();
+    return isCancel ? 0 : result;
 }
 
 std::int32_t Columns(std::string_view text) {
@@ -133,7 +145,7 @@ std::int32_t DialogRun() {
     if (QuitFlag && !quitBefore) {
         HostUnwind();  // a dialog is a wait: its command does not go on
     }
-    return result >= BUTTON_RESULT_FIRST ? result - BUTTON_RESULT_FIRST : result;
+    return ScriptResult(dialog, result);
 }
 
 bool DialogChanged(Dialog& dialog, std::int32_t row) {

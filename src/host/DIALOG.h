@@ -88,7 +88,8 @@ Dialog* DialogUnderConstruction();
 // Adds a row; it has no answer until the dialog has run. A row that stands already is replaced.
 void DialogAddRow(DialogRow row);
 // Runs the dialog under construction modally and keeps the answers; 0 when there is none. A result of 1000 or
-// more is reduced by 1000. An error in the dialog's handler is raised when the dialog has closed.
+// more is reduced by 1000; 2 is 0 when no button has it. An error in the dialog's handler is raised when the
+// dialog has closed.
 std::int32_t DialogRun();
 // The window tells of a row that the user has changed; every row holds what its control shows. The answers
 // are then those of this moment, and the dialog's handler is called. False when the handler has ended the

@@ -274,10 +274,6 @@ void HostUnwind() {
 void HostDeliverHeld() {
     window->Deliver(HELD_INTERVAL);
     const InputState now = TakeInput();
-    QuitFlag = QuitFlag || now.finished;
-    if (now.closeRequested) {
-        HostCloseRequested();
-    }
     if (now.keyCode != 0) {
         KeyPutBack(now.keyCode, now.shift);
     }

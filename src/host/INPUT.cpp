@@ -117,9 +117,29 @@ void Pulse() {
 
 constexpr std::int32_t MOVES = 4;  // in the tracking mask: the pointer's moves end a wait step, too
 
+bool ButtonHeld() {
+    return Input.left || Input.right;
+}
+
 // Buttons that a mask of MOUSE_LEFT and MOUSE_RIGHT names are held.
 bool Held(std::int32_t mask, bool left, bool right) {
     return ((mask & 1) != 0 && left) || ((mask & 2) != 0 && right);
+}
+
+// The window's state, with the key that has been put back; dropped files are put aside for the event loop.
+InputState TakeWindowInput() {
+    InputState taken = HostWindow().TakeInput();
+    QuitFlag = QuitFlag || taken.finished;
+    for (std::string& path : taken.dropped) {
+        DropPut(std::move(path));
+    }
+    taken.dropped.clear();
+    const KeptKey kept = std::exchange(keptKey, KeptKey{});
+    if (taken.keyCode == 0 && kept.code != 0) {
+        taken.keyCode = kept.code;
+        taken.shift = kept.shift;
+    }
+    return taken;
 }
 
 // A button is down: panes, then the script's press handler. True when the press has been used up.
@@ -162,21 +182,20 @@ void BindSpecialKey(std::int32_t number, std::int32_t handler) {
 }
 
 InputState TakeInput() {
-    InputState taken = HostWindow().TakeInput();
-    for (std::string& path : taken.dropped) {
-        DropPut(std::move(path));
-    }
-    taken.dropped.clear();
-    const KeptKey kept = std::exchange(keptKey, KeptKey{});
-    if (taken.keyCode == 0 && kept.code != 0) {
-        taken.keyCode = kept.code;
-        taken.shift = kept.shift;
+    InputState taken = TakeWindowInput();
+    if (taken.closeRequested && !QuitFlag) {
+        // The can-close handler may wait for input itself: what holds is the state that it leaves.
+        if (taken.keyCode != 0) {
+            KeyPutBack(taken.keyCode, taken.shift);
+        }
+        HostCloseRequested();
+        taken = TakeWindowInput();
     }
     return taken;
 }
 
 void PressSpend() {
-    pressSpent = Input.left || Input.right;
+    pressSpent = ButtonHeld();
 }
 
 void KeyPutBack(std::int32_t code, std::int32_t shift) {
@@ -192,10 +211,6 @@ void WaitStep(Waiting who) {
         HostWindow().Deliver(inLoop ? LoopEventWait(interval) : interval);
         HostRaiseKept();
         now = TakeInput();
-        QuitFlag = QuitFlag || now.finished;
-        if (now.closeRequested) {
-            HostCloseRequested();
-        }
         if (QuitFlag) {
             return;
         }
@@ -208,7 +223,7 @@ void WaitStep(Waiting who) {
         }
         pending = now.left == Input.left && now.right == Input.right && now.keyCode == 0 && now.wheel == 0 &&
                   !((now.left || now.right || (Mode.tracking & MOVES) != 0) && Input.moved) &&
-                  !(inLoop && LoopEventWait(1) == 0);
+                  !(inLoop && LoopEventWait(1) == 0) && !(who == Waiting::Release && !ButtonHeld());
     }
     Input.x = now.x;
     Input.y = now.y;
@@ -226,8 +241,8 @@ void PulseOn() {
 }
 
 void WaitRelease() {
-    while ((Input.left || Input.right) && !QuitFlag) {
-        WaitStep();
+    while (ButtonHeld() && !QuitFlag) {
+        WaitStep(Waiting::Release);
     }
 }
 
@@ -253,7 +268,7 @@ bool InputStep(Waiting who) {
         PressSpend();
         return Mode.wait == 32 && Input.keyCode == 32;
     }
-    if (Input.left || Input.right) {
+    if (ButtonHeld()) {
         // A handler may set the key code; only a key that came with this step is left for the event loop.
         const std::int32_t key = Input.keyCode;
         const bool used = HandlePress(!leftBefore && !rightBefore);

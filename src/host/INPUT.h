@@ -59,12 +59,14 @@ extern WaitMode Mode;
 // Set by Quit, by the window's close and when input ends; the event loop and every wait leave.
 extern bool QuitFlag;
 
-// Who waits. The event loop's steps end also when it has something to call beside input (LOOPEVENT.h).
-enum class Waiting : std::uint8_t { Script, EventLoop };
+// Who waits. The event loop's steps end also when it has something to call beside input (LOOPEVENT.h); a wait
+// for the release also when a handler inside it has seen the release.
+enum class Waiting : std::uint8_t { Script, EventLoop, Release };
 // Lets the window deliver messages until a key, a button change, a drag or a wheel turn comes; takes it as
 // the current state.
 void WaitStep(Waiting who = Waiting::Script);
-// Takes the window's input state; dropped files are put aside for the event loop.
+// Takes the window's input state. The end of input and a request to close are dealt with; dropped files are
+// put aside for the event loop.
 InputState TakeInput();
 // What is left of a press that is held, its release too, is no input: an error has ended what it began.
 void PressSpend();
