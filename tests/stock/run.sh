@@ -2,7 +2,7 @@
 # run.sh QUELMARKC TEST.qms: runs the stock scripts with TEST.qms behind them and the events of TEST.input when there is one, and compares
 # what is printed, line by line, with the `// expect: …` comments of TEST.qms and the `# expect: …` lines of TEST.input behind them.
 # `// arguments: …` names the files to open ($SAMPLES is the folder of the samples), `// setting: KEY VALUE` a line of the configuration.
-# `// with: FILE` names a script, seen from the test, that is read before it.
+# `// with: FILE` names a script, seen from the test, that is read before it. `// hints` prints what the status line says, between < and >.
 # The session's folder is the current one and HOME, and is empty.
 set -u
 program=$(realpath "$1")
@@ -15,6 +15,8 @@ cp "$(dirname "$script")/$name".* "$folder/"
 with=$(sed -n 's|.*// with: ||p' "$script")
 [ -n "$with" ] && cp "$(dirname "$script")/$with" "$folder/"
 cd "$folder" || exit 1
+grep -q '^.*// hints$' "$name.qms" &&
+    sed 's|^    StatusBar(text, FIELD_HINT);|&\n    print("<" + text + ">\\n");|' "$(dirname "$program")/MACRO/prompt.qms" > prompt.qms
 settings=$(sed -n 's|.*// setting: ||p' "$name.qms")
 {
     keys=$(printf '%s\n' "$settings" | awk '{print $1}' | paste -sd'|')
