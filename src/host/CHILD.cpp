@@ -154,6 +154,7 @@ void ChildStart(std::string_view command, bool wait, std::uint32_t waitMost) {
         const std::string file = HostPath(name).value_or(words[0]);
         words[0] = file.find('/') == std::string::npos ? "./" + file : file;
     }
+    HostWindow().Deliver(0);  // a program that draws into the window is not painted over
     const auto process = Spawn(words);
     if (!process) {
         return;

@@ -33,7 +33,8 @@ class Window {
     virtual ~Window() = default;
 
     // Lets the window system deliver waiting messages; waits up to `milliseconds` for the first. The window
-    // is repainted and resized inside; a new size is told by HostResized.
+    // is repainted and resized inside; a new size is told by HostResized. With 0 the whole window is as it
+    // is to be seen afterwards.
     virtual void Deliver(std::int32_t milliseconds) = 0;
     // Takes the input state; the key code, the wheel turns, the request to close and the dropped files are
     // cleared.

@@ -12,7 +12,7 @@ PATH=$folder/path:$PATH
 tool() { printf '#!/bin/sh\n%s\n' "$2" > "$1"; chmod +x "$1"; }
 tool "$folder/path/tool" 'echo "path tool"'
 tool "$folder/bin/tool.BAT" 'for word; do echo "word <$word>"; done'
-tool "$folder/path/slow" "while ! [ -f '$folder/go' ]; do sleep 0.05; done; echo slow ended"
+tool "$folder/path/slow" "while [ -d '$folder' ] && ! [ -f '$folder/go' ]; do sleep 0.05; done; echo slow ended"
 tool "$folder/path/xdg-open" 'echo "opened $*"'
 echo help > "$folder/bin/Manual.Hlp"
 echo help > "$folder/other.hlp"

@@ -8,7 +8,7 @@ close_window=$(realpath "$2")
 . "$(dirname "$0")/program.sh"
 mkdir "$folder/path"
 PATH=$folder/path:$PATH
-printf '#!/bin/sh\nwhile ! [ -f "%s" ]; do sleep 0.05; done; echo slow ended\n' "$folder/go" > "$folder/path/slow"
+printf '#!/bin/sh\nwhile [ -d "%s" ] && ! [ -f "%s/go" ]; do sleep 0.05; done; echo slow ended\n' "$folder" "$folder" > "$folder/path/slow"
 chmod +x "$folder/path/slow"
 script='function Wait() { print("waiting\n"); "slow".Child(TRUE); print("waited\n"); }
 function Key(code) { print("key", code, "\n"); }

@@ -15,6 +15,7 @@ start_script 'function Render() {
 }
 function AddMenu() {
     ("one".Menu("item", Render)).MenuPosition(0);
+    print(RendParameter(), "\n");
     print("menu\n");
 }
 function Again() {
@@ -45,10 +46,12 @@ check 0
 xdotool key u; printed again; settle
 [ "$(pixel $((100 * scale)) $((100 * scale)))" = 646464 ] || fail "the views do not come back"
 xdotool key m; printed menu; settle
+atOnce=$(text | grep inline | tail -1)
 xdotool key r; printed drawn 2; settle
 # The menu bar lies above the background of the views.
 bar=$(import -window root -depth 8 -crop "1x200+2+0" +repage rgb:- | od -An -v -tx1 -w3 | tr -d ' ' | grep -n 646464 | head -1 | cut -d: -f1)
 [ "${bar:-1}" -gt 10 ] || fail "there is no menu bar"
 check $((bar - 1))
+[ "$(text | grep inline | tail -1)" = "$atOnce" ] || fail "the area below a new menu bar is told too late: $atOnce"
 kill $window
 finish

@@ -1,5 +1,6 @@
 #include "host/qt/QTWINDOW.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QDesktopServices>
 #include <QElapsedTimer>
@@ -95,7 +96,15 @@ void QtWindow::Measure() {
 // ---- messages and input ----
 
 void QtWindow::Deliver(std::int32_t milliseconds) {
-    if (milliseconds <= 0 || !keys_.empty() || !buttons_.empty()) {
+    if (milliseconds <= 0) {
+        // One round leaves what it has caused itself: a new size, and then the paint, come in the next ones.
+        constexpr int ROUNDS_MOST = 20;
+        QAbstractEventDispatcher& dispatcher = *QAbstractEventDispatcher::instance();
+        for (int round = 0; round < ROUNDS_MOST && dispatcher.processEvents(QEventLoop::AllEvents); ++round) {
+        }
+        return;
+    }
+    if (!keys_.empty() || !buttons_.empty()) {
         QCoreApplication::processEvents();
         return;
     }
