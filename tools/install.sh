@@ -21,5 +21,5 @@ install_missing() {
 }
 
 BUILD_PACKAGES=(g++ cmake ninja-build qt6-base-dev libgl-dev zlib1g-dev)
-WINDOW_PACKAGES=(qt6-qpa-plugins libxcb-cursor0 fonts-ipafont-gothic)
+WINDOW_PACKAGES=(qt6-qpa-plugins qt6-translations-l10n libxcb-cursor0 fonts-ipafont-gothic)
 TEST_PACKAGES=(clang clang-format clang-tidy libgtest-dev libbenchmark-dev libx11-dev xvfb xdotool x11-utils imagemagick locales)

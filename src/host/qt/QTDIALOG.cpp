@@ -4,8 +4,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -23,6 +21,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/qt/QTFILEDIALOG.h"
 #include "host/qt/QTROWAREA.h"
 #include "host/qt/QTTEXT.h"
 #include "text/path.h"
@@ -269,38 +268,6 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
     const int result = shown.exec();
     take();
     return result >= RESULT_BASE ? result - RESULT_BASE : 0;
-}
-
-std::string QtRunFileDialog(QWidget* parent, const FileDialog& dialog) {
-    QFileDialog shown(parent, ToText(dialog.title));
-    shown.setFileMode(QFileDialog::AnyFile);
-    QStringList filters;
-    for (const FileFilter& filter : dialog.filters) {
-        filters.push_back(ToText(filter.text));
-    }
-    shown.setNameFilters(filters);
-    shown.setDefaultSuffix(ToText(dialog.defaultExtension));
-    const std::pair<QFileDialog::DialogLabel, QString> labels[] = {
-        {QFileDialog::LookIn, QStringLiteral("フォルダ")},
-        {QFileDialog::FileName, QStringLiteral("ファイル名")},
-        {QFileDialog::FileType, QStringLiteral("種類")},
-        {QFileDialog::Accept, QStringLiteral("決定")},
-        {QFileDialog::Reject, QStringLiteral("中止")}};
-    for (const auto& [label, text] : labels) {
-        shown.setLabelText(label, text);
-    }
-    if (const auto initial = HostPath(dialog.initialName); initial && !initial->empty()) {
-        const QString name = QString::fromStdString(*initial);
-        if (QFileInfo(name).isDir()) {
-            shown.setDirectory(name);
-        } else {
-            shown.selectFile(name);
-        }
-    }
-    if (shown.exec() != QDialog::Accepted || shown.selectedFiles().isEmpty()) {
-        return "";
-    }
-    return shown.selectedFiles().first().toStdString();
 }
 
 }  // namespace quelmark

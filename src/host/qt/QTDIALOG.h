@@ -1,9 +1,8 @@
-// Shows a dialog's rows with the window library's controls, and the file-selection dialog.
+// Shows a dialog's rows with the window library's controls.
 #pragma once
 
 #include <QWidget>
 #include <functional>
-#include <string>
 
 #include "host/DIALOG.h"
 
@@ -13,7 +12,5 @@ namespace quelmark {
 // row that the user changes, when all rows hold what their controls show.
 std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
                          const std::function<bool(std::int32_t row)>& changed);
-// A host path (UTF-8), "" when cancelled.
-std::string QtRunFileDialog(QWidget* parent, const FileDialog& dialog);
 
 }  // namespace quelmark

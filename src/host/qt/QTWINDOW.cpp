@@ -24,6 +24,7 @@
 #include "host/PANES.h"
 #include "host/qt/KEYTABLE.h"
 #include "host/qt/QTDIALOG.h"
+#include "host/qt/QTFILEDIALOG.h"
 #include "host/qt/QTTEXT.h"
 #include "text/sjis.h"
 #include "view/TEXTS.h"

@@ -1,5 +1,7 @@
 // quelmark: the editor in a window.
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -30,6 +32,11 @@ int main(int argc, char** argv) {
     int libraryArguments = 1;
     QApplication application(libraryArguments, argv);
     std::setlocale(LC_NUMERIC, "C");  // the library has set the user's: numbers keep their decimal point
+    // The library's own texts, too, are Japanese: file dialogs, the menus of text fields.
+    QTranslator japanese;
+    if (japanese.load(QStringLiteral("qtbase_ja"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QApplication::installTranslator(&japanese);
+    }
     quelmark::QtFrame frame;
     quelmark::QtWindow window(frame);
     frame.show();
