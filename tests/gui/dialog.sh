@@ -2,7 +2,7 @@
 # dialog.sh QUELMARK: a dialog under Xvfb, driven with real keys: its handler is called at each change and what it draws is seen behind the
 # dialog at once; Shift+Ctrl+Delete stops a handler that never ends, and its error comes when the dialog has closed.
 set -u
-program=$1
+program=$(realpath "$1")
 . "$(dirname "$0")/screen.sh"
 unset QUELMARKINPUT
 printf 'CodeSize = 64\nGlobal = 128\nFunction = 64\nStack = 1000\nBufferSize = 1024\nSourceFile = dialog.qms\n' > "$folder/Quelmark.ini"

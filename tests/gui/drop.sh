@@ -2,7 +2,7 @@
 # drop.sh QUELMARK DRAG_SOURCE: files dragged from another program with the real mouse and dropped on the window reach the scripts one by one,
 # by their paths, and stay where they are; a name that Shift-JIS cannot carry is refused. Without a handler nothing is taken.
 set -u
-program=$1
+program=$(realpath "$1")
 source=$2
 . "$(dirname "$0")/screen.sh"
 export LC_ALL=C.UTF-8

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # escape.sh QUELMARK: the ESC key, pressed while a large file is being read, ends the reading with its message.
 set -u
-program=$1
+program=$(realpath "$1")
 . "$(dirname "$0")/screen.sh"
 unset QUELMARKINPUT
 # Over and over the same polygons of a part, so that the reading lasts for seconds.

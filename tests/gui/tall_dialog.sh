@@ -2,7 +2,7 @@
 # tall_dialog.sh QUELMARK: on a small screen a dialog of thirty rows and long texts fits, its rows scroll with the keyboard and the wheel, and
 # the wheel changes no row on its way.
 set -u
-program=$1
+program=$(realpath "$1")
 screen=640x480
 . "$(dirname "$0")/screen.sh"
 unset QUELMARKINPUT

@@ -3,7 +3,7 @@
 # polygons. The band is seen while a box is dragged and leaves nothing behind; turning and coming back shows the same picture, and changes
 # no other view.
 set -u
-program=$1
+program=$(realpath "$1")
 sample=$2
 . "$(dirname "$0")/screen.sh"
 unset MODELPATH QUELMARKINPUT

@@ -2,7 +2,7 @@
 # window.sh QUELMARK SAMPLE: the real window under Xvfb, driven with real keys and mouse: clicks select, keys and wheel reach the scripts, the
 # views are drawn, resizing to any size and quitting work.
 set -u
-program=$1
+program=$(realpath "$1")
 sample=$2
 . "$(dirname "$0")/screen.sh"
 unset MODELPATH QUELMARKINPUT
