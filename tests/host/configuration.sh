@@ -139,6 +139,27 @@ cmp -s wanted.ini home/Quelmark.ini || { echo "write-back: $(cat home/Quelmark.i
 [ -e home/Quelmark.tmp ] && { echo "the file beside the configuration stays"; failures=1; }
 run --
 is "and in the next run" 0 "new a b []"
+printf '# c\r\n  Key  1 # not a comment\r\n\r\nSourceFile = t.qms' > home/Quelmark.ini
+script 'Modelrc("Key", "= #2"); Modelrc("New", ""); Modelrc("New", " 3 "); print("[" + "Key".Modelrc() + "][" + "New".Modelrc() + "]");'
+run --
+is "blanks, = and # belong to a value" 0 "[= #2][ 3 ]"
+printf '# c\r\nKey\t= = #2\r\n\r\nSourceFile = t.qms\r\nNew\t=  3 \r\n' > wanted.ini
+cmp -s wanted.ini home/Quelmark.ini || { echo "line ends: $(od -c home/Quelmark.ini)"; failures=1; }
+config 'Key = 1'
+cp home/Quelmark.ini wanted.ini
+script 'Modelrc("", "x"); Modelrc("a b", "x"); Modelrc("a=b", "x"); Modelrc("#a", "x"); Modelrc(" a", "x"); Modelrc("Key", "a\nb"); print("Key".Modelrc() + "[" + "a b".Modelrc() + "]");'
+run --
+is "what would be read as something else is not written" 0 "設定ファイルに書けません。
+設定ファイルに書けません。
+設定ファイルに書けません。
+設定ファイルに書けません。
+設定ファイルに書けません。
+設定ファイルに書けません。
+1[]"
+cmp -s wanted.ini home/Quelmark.ini || { echo "a bad entry: $(cat home/Quelmark.ini)"; failures=1; }
+script 'for (var i = 0; i < 200; i++) Modelrc("K" + i, "v" + i); print("K0".Modelrc(), "K64".Modelrc(), "K199".Modelrc());'
+run --
+is "two hundred new entries" 0 "v0 v64 v199"
 config 'Key = 1'
 mkdir elsewhere
 script 'dir("elsewhere"); Modelrc("Key", "2"); print("Key".Modelrc());'

@@ -28,6 +28,9 @@ bad "key -1" "no key of that name"
 bad "key 65536" "no key of that name"
 bad "key 0x" "no key of that name"
 bad "key ☃" "no key of that name"
+bad "key ''" "no key of that name"
+bad "key 'ab'" "no key of that name"
+bad "key 4294967393" "no key of that name"
 bad "key a b" "shift state"
 bad "key a 4" "shift state"
 bad "key a 1 2" "shift state"
@@ -37,24 +40,32 @@ bad "mouse 1 2 -1" "mouse takes"
 bad "mouse 1 x 1" "mouse takes"
 bad "mouse 1.5 2 1" "mouse takes"
 bad "mouse 1 2 1 0" "mouse takes"
+bad "mouse 2147483648 2 1" "mouse takes"
+bad "mouse,1,2,1" "not an event"
+bad "MOUSE 1 2 1" "not an event"
 bad "menu 12 0" "menu takes"
 bad "menu -1 0" "menu takes"
 bad "menu 0" "menu takes"
 bad "menu 0 256" "menu takes"
+bad "menu 0 0 0" "menu takes"
 bad "open" "open takes"
 bad "open 12" "open takes"
 bad "size 0 100" "size takes"
 bad "size 100" "size takes"
+bad "size 16385 10" "size takes"
 bad "size 100 99999" "size takes"
 bad "close now" "close takes"
 bad "answer" "answer takes"
 bad "answer x 1" "answer takes"
+bad "answer -1 x" "answer takes"
 bad "answer 30 1" "answer takes"
 bad "answer 0 ☃" "Shift-JIS cannot carry"
 bad "button" "button takes"
 bad "button x" "button takes"
+bad "button 1 2" "button takes"
 bad "wait" "wait takes"
 bad "wait -5" "wait takes"
+bad "wait 2147483648" "wait takes"
 bad "wait 5s" "wait takes"
 bad "shot" "shot takes"
 bad "wheel 1 2" "wheel takes"
@@ -168,6 +179,29 @@ key 97
 1 TRUE
 key 97
 key 98"
+
+# ---- waits inside waits ----
+# nested EVENT…: events that begin a wait inside the wait before, three thousand deep, end in errors with which the program goes on.
+nested() {
+    local lines
+    lines=$(printf '%s\n' "$@")
+    session "$(for ((i = 0; i < 3000; i++)); do echo "$lines"; done)
+key a
+mouse 9 9 0
+key d
+key b
+key b"
+    printed=$(sort -u <<< "$printed")
+    is "nested: $*" 0 "b
+t.qms:1:  Error スタックオーバーフロー！！"
+}
+waiting='function W(n) { WaitEvent(); return 0; } function Asks(n) { DlogOpen("t", 1); DlogToggle(0, "l", "c", 0); DlogEvent(Asks); DlogWait(); }
+function b() { print("b\n"); } KeyEvent(b, "b"); ButtonArea(40); CreateButton(0, 0, "w", W); ControlEvent(W); KeyEvent(Asks, "d");'
+script "$waiting"' MenuPosition(Menu("m", "pick", W), 0);'
+nested 'menu 0 0'
+nested 'mouse 1000 690 1' 'mouse 1000 690 0'
+nested 'mouse 905 5 1' 'mouse 905 5 0'
+nested 'answer 0 1'  # for the dialogs of key d
 
 # ---- what redraws the views ----
 script 'function Line() { DrawLine(Vertex(0, 0, 0), Vertex(300, 200, 100)); } KeyEvent(Line, "l");
