@@ -86,6 +86,8 @@ bool IsFinite(const Matrix& matrix, const Vector& background) {
     return std::isfinite(background.x) && std::isfinite(background.y) && std::isfinite(background.z);
 }
 
+bool frameWritten = false;
+
 std::int32_t WriteFrame(std::int32_t, std::int32_t argc, DataCell* argv) {
     constexpr const char* TYPE_MESSAGE = "%d番目の引数の型不正です(WriteFrame)"_sjis;
     if (argc > 3 && !IsVector(argv[3])) {
@@ -102,11 +104,17 @@ std::int32_t WriteFrame(std::int32_t, std::int32_t argc, DataCell* argv) {
     const Vector background = argc > 3 ? ObjectData<Vector>(argv[3]) : Vector{0, 0, 0};
     const Matrix& matrix = ObjectData<Matrix>(argv[0]);
     const SufText text = FrameText(matrix, StringText(argv[2]), background, ViewState.angle);
-    if (text &&
-        (!IsFinite(matrix, background) || SaveReplacing(StringText(argv[1]), *text) != SaveResult::saved)) {
+    frameWritten = text && IsFinite(matrix, background) &&
+                   SaveReplacing(StringText(argv[1]), *text) == SaveResult::saved;
+    if (text && !frameWritten) {
         Warning("フレームファイルが出力できません"_sjis);
     }
     return NO_RESULT;
+}
+
+std::int32_t WasFrameWritten(std::int32_t, std::int32_t, DataCell*) {
+    StackPushBool(frameWritten);
+    return RESULT;
 }
 
 constexpr BuiltIn FUNCTIONS[] = {
@@ -121,6 +129,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"String", "WriteModel", WriteModel, Takes("WriteModel", {TYPE_OBJECT, TYPE_FLAG}, 1)},
     {"Matrix", "WriteFrame", WriteFrame,
      Takes("WriteFrame", {TYPE_OBJECT, TYPE_OBJECT, TYPE_OBJECT, TYPE_OBJECT}, 3)},
+    {"", "FrameWritten", WasFrameWritten, Takes("FrameWritten", {})},
 };
 
 }  // namespace
