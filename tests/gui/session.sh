@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# session.sh QUELMARK QUELMARKC SESSION: one session, with real keys and mouse in the window and again in the console program. The files that
-# are written are the same byte for byte, and the views show the same pixels.
+# session.sh QUELMARK QUELMARKC CLOSE_WINDOW SESSION: one session, with real keys and mouse in the window and again in the console program. The
+# files that are written are the same byte for byte, and the views show the same pixels.
 #
 # tests/sessions/run.sh tells the lines of a session.
 set -u
 program=$(realpath "$1")
 console=$(realpath "$2")
-session=$(realpath "$3")
+close_window=$(realpath "$3")
+session=$(realpath "$4")
 sessions=$(dirname "$session")
 # shellcheck source=screen.sh
 . "$(dirname "$0")/screen.sh"
@@ -122,6 +123,7 @@ dialogs() {
                 if [ "$row" = 0 ]; then xdotool key Escape; else xdotool key Return; fi
                 settle
                 at=0 ;;
+            discard) xdotool key Tab; settle 0.1; xdotool key space; settle; at=0 ;;
             file)
                 open_dialog
                 xdotool type --delay 20 -- "$folder/window/$row"
@@ -148,6 +150,8 @@ mouse() {
     held=$3
 }
 
+leave() { if [ "$1" = frame ]; then "$close_window" "$id"; else xdotool key ctrl+q; fi; }
+
 in_window() {
     local what rest
     number=0
@@ -159,10 +163,10 @@ in_window() {
             pick) choose_item ${rest/ */} "${rest#* }"; dialogs ;;
             key) xdotool key $rest; settle 0.08; dialogs ;;
             mouse) mouse $rest ;;
-            answer|choose|tick|button|file) answers+=("$what $rest") ;;
+            answer|choose|tick|button|discard|file) answers+=("$what $rest") ;;
             shot) shot "$rest" ;;
-            close) xdotool key ctrl+q; dialogs; ended || give_up "not closed" ;;
-            refuse) xdotool key ctrl+q; dialogs; probe ;;
+            close) leave "$rest"; dialogs; ended || give_up "not closed" ;;
+            refuse) leave "$rest"; dialogs; probe ;;
             start) begin ;;
             *) fail "line $number: $what?" ;;
         esac
@@ -205,7 +209,7 @@ shot() {
 in_window
 kill "$window" 2>/dev/null
 grep -al "Error\|Fatal" "$folder"/window/printed "$folder"/console/printed && fail "an error in a script"
-written=$(cd "$folder/console" && ls ./*.suf)
+written=$(cd "$folder/console" && ls ./*.suf ./*.frm 2>/dev/null)
 [ -n "$written" ] || fail "nothing was written"
 for name in $written; do
     cmp "$folder/window/$name" "$folder/console/$name" || fail "$name is another file"

@@ -15,9 +15,10 @@ FNR == 1 { put("size " client) }
 { what = $1; sub(/ .*/, "", what); rest = substr($0, length(what) + 2) }
 what == "" || what ~ /^#/ || what == "same" { next }
 what == "start" { part++; put("size " client); next }
-what == "close" || what == "refuse" { for (i = 1; i <= held; i++) put(lines[i]); held = 0; put("key 17"); next }
+what == "close" || what == "refuse" { for (i = 1; i <= held; i++) put(lines[i]); held = 0; put(rest == "frame" ? "close" : "key 17"); next }
 what == "choose" || what == "answer" { lines[++held] = "answer " rest; next }
 what == "tick" { lines[++held] = "answer " rest " 1"; next }
+what == "discard" { lines[++held] = "button 1"; next }
 what == "button" || what == "file" { lines[++held] = $0; next }
 { for (i = 1; i <= held; i++) put(lines[i]); held = 0 }
 what == "pick" {

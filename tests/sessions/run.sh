@@ -8,9 +8,10 @@
 #   pick TITLE ITEM    the item that begins so in the menu of that title
 #   key NAME           ctrl+z, shift+m, Return, a
 #   mouse X Y BUTTONS  a place in the views
-#   answer ROW TEXT, choose ROW NUMBER, tick ROW, button N, file NAME
+#   answer ROW TEXT, choose ROW NUMBER, tick ROW, button N (the first or the last), discard (the middle one of three), file NAME
 #   shot NAME          a picture of the views
-#   close, start       the window is closed; the program starts again
+#   close, start       the program is left by its key, and starts again; close frame: the button of the window's frame
+#   refuse [frame]     likewise, but what is asked then keeps it open
 #   same A B           the two files, or pictures, are equal
 set -u
 program=$(realpath "$1")
@@ -36,13 +37,13 @@ for part in part*.input; do play "$part"; done
 grep -al "Error\|Fatal" printed && fail "an error in a script"
 
 written=0
-for file in *.suf *.ppm; do
+for file in *.suf *.frm *.ppm; do
     kept="$here/kept/$name-$file"
     # Only one of equal files is kept.
     awk -v file="$file" '$1 == "same" && $3 == file { found = 1 } END { exit !found }' "$session" && continue
     written=$((written + 1))
     case $file in
-        *.suf)
+        *.suf|*.frm)
             [ "${QUELMARK_RENEW:-}" = 1 ] && cp "$file" "$kept"
             cmp "$file" "$kept" || fail "$file is another file" ;;
         *.ppm)
