@@ -38,6 +38,7 @@ grep -al "Error\|Fatal" printed && fail "an error in a script"
 
 written=0
 for file in *.suf *.frm *.ppm; do
+    [ -e "$file" ] || continue
     kept="$here/kept/$name-$file"
     # Only one of equal files is kept.
     awk -v file="$file" '$1 == "same" && $3 == file { found = 1 } END { exit !found }' "$session" && continue
