@@ -10,6 +10,7 @@
 #include "host/CONFIG.h"
 #include "host/HOST.h"
 #include "host/INPUT.h"
+#include "host/LOOPEVENT.h"
 #include "host/PANES.h"
 #include "host/STARTUP.h"
 #include "text/holdfile.h"
@@ -46,7 +47,11 @@ std::int32_t Child(std::int32_t, std::int32_t argc, DataCell* argv) {
 }
 
 std::int32_t WaitEvent(std::int32_t, std::int32_t, DataCell*) {
-    StackPushBool(InputStep());
+    const bool come = InputStep();
+    if (TimedHandlerAllowed()) {
+        TimedEventCall();
+    }
+    StackPushBool(come);
     return RESULT;
 }
 

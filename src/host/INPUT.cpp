@@ -115,7 +115,16 @@ void Pulse() {
     PaletteSet(PULSE_ENTRY, {p, 0, p});
 }
 
-constexpr std::int32_t MOVES = 4;  // in the tracking mask: the pointer's moves end a wait step, too
+// In the tracking mask: what ends a script's wait step, too.
+constexpr std::int32_t MOVES = 4;  // the pointer's moves
+constexpr std::int32_t TIMED = 8;  // that the timed handler is due, which is called then
+
+std::int32_t WaitOf(Waiting who, std::int32_t most) {
+    if (who == Waiting::EventLoop) {
+        return LoopEventWait(most);
+    }
+    return who == Waiting::Script && TimedHandlerAllowed() ? TimedEventWait(most) : most;
+}
 
 bool ButtonHeld() {
     return Input.left || Input.right;
@@ -194,6 +203,10 @@ InputState TakeInput() {
     return taken;
 }
 
+bool TimedHandlerAllowed() {
+    return (Mode.tracking & TIMED) != 0;
+}
+
 void PressSpend() {
     pressSpent = ButtonHeld();
 }
@@ -203,12 +216,11 @@ void KeyPutBack(std::int32_t code, std::int32_t shift) {
 }
 
 void WaitStep(Waiting who) {
-    const bool inLoop = who == Waiting::EventLoop;
     InputState now;
     for (bool pending = true; pending;) {
         std::fflush(stdout);  // what has been printed is to be seen while the scripts wait
         const auto interval = keptKey.code != 0 ? 0 : static_cast<std::int32_t>(PULSE_INTERVAL);
-        HostWindow().Deliver(inLoop ? LoopEventWait(interval) : interval);
+        HostWindow().Deliver(WaitOf(who, interval));
         HostRaiseKept();
         now = TakeInput();
         if (QuitFlag) {
@@ -223,7 +235,7 @@ void WaitStep(Waiting who) {
         }
         pending = now.left == Input.left && now.right == Input.right && now.keyCode == 0 && now.wheel == 0 &&
                   !((now.left || now.right || (Mode.tracking & MOVES) != 0) && Input.moved) &&
-                  !(inLoop && LoopEventWait(1) == 0) && !(who == Waiting::Release && !ButtonHeld());
+                  WaitOf(who, 1) != 0 && !(who == Waiting::Release && !ButtonHeld());
     }
     Input.x = now.x;
     Input.y = now.y;

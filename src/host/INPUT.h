@@ -51,8 +51,10 @@ void BindSpecialKey(std::int32_t number, std::int32_t handler);
 
 // What `InputMode` sets.
 struct WaitMode {
-    std::int32_t wait = 1;      // 1 left button, 2 right button, 32 the space key
-    std::int32_t tracking = 2;  // 1 left, 2 right: the 3-D cursor follows the button; 4: moves end a step
+    std::int32_t wait = 1;  // 1 left button, 2 right button, 32 the space key
+    // 1 left, 2 right: the 3-D cursor follows the button; 4: moves end a step; 8: the timed handler has its
+    // turn
+    std::int32_t tracking = 2;
 };
 extern WaitMode Mode;
 
@@ -62,6 +64,8 @@ extern bool QuitFlag;
 // Who waits. The event loop's steps end also when it has something to call beside input (LOOPEVENT.h); a wait
 // for the release also when a handler inside it has seen the release.
 enum class Waiting : std::uint8_t { Script, EventLoop, Release };
+// What InputMode has set lets the timed handler be called in a script's waits.
+bool TimedHandlerAllowed();
 // Lets the window deliver messages until a key, a button change, a drag or a wheel turn comes; takes it as
 // the current state.
 void WaitStep(Waiting who = Waiting::Script);

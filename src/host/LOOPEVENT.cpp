@@ -84,12 +84,19 @@ std::int32_t LoopEventWait(std::int32_t most) {
     if (Held()) {
         return most;
     }
-    if (!dropped.empty()) {
-        return 0;
-    }
-    return timedHandler < 0
+    return dropped.empty() ? TimedEventWait(most) : 0;
+}
+
+std::int32_t TimedEventWait(std::int32_t most) {
+    return timedHandler < 0 || Held()
                ? most
                : static_cast<std::int32_t>(std::min(TimeLeft(), static_cast<std::uint32_t>(most)));
+}
+
+void TimedEventCall() {
+    if (timedHandler >= 0 && TimeLeft() == 0 && !Held() && !QuitFlag) {
+        CallTimedHandler();
+    }
 }
 
 void LoopEventCall() {
@@ -98,9 +105,7 @@ void LoopEventCall() {
         dropped.pop_front();
         CallDropHandler(path);
     }
-    if (timedHandler >= 0 && TimeLeft() == 0 && !Held() && !QuitFlag) {
-        CallTimedHandler();
-    }
+    TimedEventCall();
 }
 
 }  // namespace quelmark

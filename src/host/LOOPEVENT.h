@@ -1,6 +1,7 @@
 // What the event loop calls beside the handlers of input: one at intervals, and one for each file dropped on
 // the window. Both have their turn only when nothing else is going on: never inside another handler, a dialog
-// or a wait of a script, never while a button is held.
+// or a wait of a script, never while a button is held. A script may let the first one have its turn in its
+// waits.
 #pragma once
 
 #include <cstdint>
@@ -19,6 +20,10 @@ bool DropWanted();
 void DropPut(std::string path);
 // Milliseconds until something has its turn, 0 for at once; at most `most`.
 std::int32_t LoopEventWait(std::int32_t most);
+// The same of the timed handler alone.
+std::int32_t TimedEventWait(std::int32_t most);
+// Calls the timed handler when it has its turn.
+void TimedEventCall();
 // Calls what has its turn: one file, and the timed handler. A name that cp932 cannot carry is refused with a
 // message.
 void LoopEventCall();
