@@ -35,7 +35,8 @@ constexpr Names FUNCTIONS[] = {
      "PolyPlane"},
     {"",
      "PolyGetVertex PolyDelVertex PolyVertexs PolyType PolyAttr PolyObj PolyAppend PolyLoad PolyLoadInit "
-     "PolySave PolyDelete PolyInvisible ReadStopped FrameWritten WriteFile ObjWriteFile PolyShade PolyShadeAgain "
+     "PolySave PolyDelete PolyInvisible ReadStopped FrameWritten WriteFile ObjWriteFile PolyShade "
+     "PolyShadeAgain "
      "PolyShadeInv PolyMap "
      "PolyShiftVertex PolyInvVertex PolyVector"},
     {"Matrix", "PolyMove WriteFrame"},
