@@ -7,7 +7,7 @@
 // not count; figures are medians over the rounds, ratios the medians of what each round gives. A full redraw
 // fills the views and draws; "lines" is the redraw without the filling, "fill" the filling alone.
 //
-//   taskset -c 1 bench_view [most quads]
+//   taskset -c 1 bench_view [most quads [redraw | part | lines | cursor | picture]]
 #include <time.h>
 
 #include <algorithm>
@@ -138,6 +138,14 @@ void MakeScatter(int count, int size) {
         Corner(2, x - size * c, y - size * s, 0);
         Corner(3, x + part * s, y - part * c, 0);
         PolygonAppend(0);
+    }
+}
+
+// One polygon of so many, from the first to the last.
+void SelectEvery(int count) {
+    int number = 0;
+    for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
+        polygon->select = static_cast<std::int16_t>(number++ % count == 0);
     }
 }
 
@@ -369,7 +377,8 @@ void MeasurePicture(int rounds) {
     const auto change = [&](std::uint8_t entry) -> Work {
         return [&, entry] {
             palette[entry] += 3;
-            expand(RowsWith(ViewFrame, entry));
+            const PixelRect changed = RecolourFrame(ViewFrame, entry, palette, picture.data(), WIDTH);
+            seen += picture[static_cast<std::size_t>(WIDTH * changed.top)];
         };
     };
     const Work paint = [] { PainterDrawIndexed(ViewFrame.pixels.data(), WIDTH, HEIGHT, ViewFrame.stride); };
@@ -381,9 +390,17 @@ void MeasurePicture(int rounds) {
     std::printf("a 32-bit picture filled with one colour %9.4f ms\n", fill.Time(0));
     PrintAgainst("frame to a 32-bit picture",
                  Comparison(rounds, 20, {[&] { expand(ViewFrame.Bounds()); }, paint, CopyFrame}));
-    PrintAgainst("palette change, in all rows",
+    PrintAgainst("palette change, of the background",
                  Comparison(rounds, 20, {change(COLOUR_BACKGROUND), paint, CopyFrame}));
-    PrintAgainst("palette change, in no row",
+    PrintAgainst("palette change, of no pixel",
+                 Comparison(rounds, 20, {change(COLOUR_SELECTED), paint, CopyFrame}));
+    SelectEvery(20);
+    ViewRedraw(WHOLE_AREA, true);
+    PrintAgainst("palette change, 1 of 20 selected",
+                 Comparison(rounds, 20, {change(COLOUR_SELECTED), paint, CopyFrame}));
+    SelectEvery(1);
+    ViewRedraw(WHOLE_AREA, true);
+    PrintAgainst("palette change, all selected",
                  Comparison(rounds, 20, {change(COLOUR_SELECTED), paint, CopyFrame}));
     PainterEnd();
     End();
@@ -393,31 +410,38 @@ void MeasurePicture(int rounds) {
 
 int main(int argc, char** argv) {
     const int most = argc > 1 ? std::atoi(argv[1]) : 1000000;
+    const auto wants = [&](const char* rows) { return argc < 3 || std::strcmp(argv[2], rows) == 0; };
+    const auto each = [most](const auto& measure) {
+        for (const int quads : {1000, 10000, 100000, 1000000}) {
+            if (quads <= most) {
+                measure(quads);
+            }
+        }
+    };
     if (!PainterIsThere()) {
         std::printf("without the window library: what stands for the painter is nothing\n");
     }
     InterpreterInit({});
-    std::printf(
-        "redraw          quads | ms:  full     lines    fill |   plain loop   painter    copy | full/loop "
-        "lines/loop | painter/full  full/copy\n");
-    for (const int quads : {1000, 10000, 100000, 1000000}) {
-        if (quads <= most) {
-            MeasureRedraws(quads, quads < 1000000 ? 15 : 5);
-        }
+    if (wants("redraw")) {
+        std::printf(
+            "redraw          quads | ms:  full     lines    fill |   plain loop   painter    copy | "
+            "full/loop "
+            "lines/loop | painter/full  full/copy\n");
+        each([](int quads) { MeasureRedraws(quads, quads < 1000000 ? 15 : 5); });
     }
-    for (const int quads : {1000, 10000, 100000, 1000000}) {
-        if (quads <= most) {
-            MeasureSmallPart(quads, 15);
-        }
+    if (wants("part")) {
+        each([](int quads) { MeasureSmallPart(quads, 15); });
     }
-    MeasureLines("short", 20000, 4, 25);
-    MeasureLines("long ", 2000, 200, 25);
-    for (const int quads : {1000, 1000000}) {
-        if (quads <= most) {
-            MeasureCursor(quads, 25);
-        }
+    if (wants("lines")) {
+        MeasureLines("short", 20000, 4, 25);
+        MeasureLines("long ", 2000, 200, 25);
     }
-    MeasurePicture(25);
+    if (wants("cursor")) {
+        each([](int quads) { MeasureCursor(quads, 25); });
+    }
+    if (wants("picture")) {
+        MeasurePicture(25);
+    }
     InterpreterExit();
     std::printf("(%u)\n", seen);
     return 0;

@@ -1,73 +1,125 @@
 // From palette indices to what a window shows.
-#include <bit>
+#include <algorithm>
 #include <cstring>
 
 #include "view/RASTER.h"
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 namespace quelmark {
 namespace {
 
-// Pixels that are worth a table of pairs.
-constexpr std::int64_t PAIRS_LEAST = 4096;
+constexpr std::uint8_t ENTRY_BITS = 15;
 
-struct PixelPair {
-    std::uint32_t first, second;
-};
-using PairPalette = std::array<PixelPair, 256>;  // by the first index and sixteen times the second
+// Byte 0 of every entry of a palette, byte 1, 2 and 3.
+struct Planes {
+    alignas(16) std::uint8_t byte[4][16];
 
-PairPalette PairsOf(const FramePalette& palette) {
-    PairPalette pairs{};
-    for (std::size_t i = 0; i < pairs.size(); ++i) {
-        pairs[i] = {palette[i & 15U], palette[i >> 4U]};
+    explicit Planes(const FramePalette& palette) {
+        for (unsigned k = 0; k < 4; ++k) {
+            for (std::size_t i = 0; i < palette.size(); ++i) {
+                byte[k][i] = static_cast<std::uint8_t>(palette[i] >> (8 * k));
+            }
+        }
     }
-    return pairs;
+};
+
+void ExpandPlain(const std::uint8_t* from, std::int32_t count, const FramePalette& palette,
+                 std::uint32_t* to) {
+    for (std::int32_t x = 0; x < count; ++x) {
+        to[x] = palette[from[x] & ENTRY_BITS];
+    }
 }
 
-// Eight pixels a turn, two a table entry; how many pixels that were. The first pixel is the lowest byte of
-// the eight, which some processors have otherwise.
-std::int32_t ExpandPairs(const std::uint8_t* from, std::int32_t count, const PairPalette& pairs,
-                         std::uint32_t* to) {
+#if defined(__x86_64__)
+
+bool CanShuffle() {
+    return __builtin_cpu_supports("ssse3") != 0;
+}
+
+// Sixteen pixels a turn, each plane looked up for all of them at once; how many pixels that were.
+[[gnu::target("ssse3")]] std::int32_t ExpandShuffled(const std::uint8_t* from, std::int32_t count,
+                                                     const Planes& planes, std::uint32_t* to) {
+    const auto plane = [&planes](int k) __attribute__((target("ssse3"))) {
+        return _mm_load_si128(reinterpret_cast<const __m128i*>(planes.byte[k]));
+    };
+    const __m128i blue = plane(0), green = plane(1), red = plane(2), rest = plane(3);
+    const __m128i bits = _mm_set1_epi8(ENTRY_BITS);
     std::int32_t x = 0;
-    for (; x + 8 <= count && std::endian::native == std::endian::little; x += 8) {
-        std::uint64_t eight = 0;
-        std::memcpy(&eight, from + x, sizeof eight);
-        eight &= 0x0F0F0F0F0F0F0F0FU;
-        eight |= eight >> 4U;
-        for (std::size_t pair = 0; pair < 4; ++pair) {
-            std::memcpy(to + x + 2 * pair, &pairs[eight >> (16 * pair) & 255U], sizeof(PixelPair));
-        }
+    for (; x + 16 <= count; x += 16) {
+        const __m128i indices =
+            _mm_and_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from + x)), bits);
+        const __m128i b = _mm_shuffle_epi8(blue, indices), g = _mm_shuffle_epi8(green, indices);
+        const __m128i r = _mm_shuffle_epi8(red, indices), a = _mm_shuffle_epi8(rest, indices);
+        const __m128i lowBG = _mm_unpacklo_epi8(b, g), highBG = _mm_unpackhi_epi8(b, g);
+        const __m128i lowRA = _mm_unpacklo_epi8(r, a), highRA = _mm_unpackhi_epi8(r, a);
+        auto* const pixels = reinterpret_cast<__m128i*>(to + x);
+        _mm_storeu_si128(pixels, _mm_unpacklo_epi16(lowBG, lowRA));
+        _mm_storeu_si128(pixels + 1, _mm_unpackhi_epi16(lowBG, lowRA));
+        _mm_storeu_si128(pixels + 2, _mm_unpacklo_epi16(highBG, highRA));
+        _mm_storeu_si128(pixels + 3, _mm_unpackhi_epi16(highBG, highRA));
     }
     return x;
 }
+
+#else
+
+bool CanShuffle() {
+    return false;
+}
+std::int32_t ExpandShuffled(const std::uint8_t*, std::int32_t, const Planes&, std::uint32_t*) {
+    return 0;
+}
+
+#endif
+
+// A palette made ready for runs of pixels, on this processor.
+class Expander {
+  public:
+    explicit Expander(const FramePalette& wanted) : palette(wanted), planes(wanted), shuffles(CanShuffle()) {}
+
+    void Run(const std::uint8_t* from, std::int32_t count, std::uint32_t* to) const {
+        const std::int32_t done = shuffles ? ExpandShuffled(from, count, planes, to) : 0;
+        ExpandPlain(from + done, count - done, palette, to + done);
+    }
+
+  private:
+    const FramePalette& palette;
+    Planes planes;
+    bool shuffles;
+};
+
+// Pixels that are written again together, from one on that is of the entry.
+constexpr std::int32_t BLOCK = 128;
 
 }  // namespace
 
 void ExpandFrame(const FrameBuffer& frame, const PixelRect& area, const FramePalette& palette,
                  std::uint32_t* picture, std::ptrdiff_t stride) {
-    if (IsEmpty(area)) {
-        return;
-    }
-    const std::int32_t width = area.right - area.left;
-    const bool byPairs = std::int64_t{width} * (area.bottom - area.top) >= PAIRS_LEAST;
-    const PairPalette pairs = byPairs ? PairsOf(palette) : PairPalette{};
-    for (std::int32_t y = area.top; y < area.bottom; ++y) {
-        const std::uint8_t* const from = frame.Row(y) + area.left;
-        std::uint32_t* const to = picture + y * stride + area.left;
-        for (std::int32_t x = byPairs ? ExpandPairs(from, width, pairs, to) : 0; x < width; ++x) {
-            to[x] = palette[from[x] & 15U];
-        }
+    const Expander expander(palette);
+    for (std::int32_t y = area.top; y < area.bottom && area.left < area.right; ++y) {
+        expander.Run(frame.Row(y) + area.left, area.right - area.left, picture + y * stride + area.left);
     }
 }
 
-PixelRect RowsWith(const FrameBuffer& frame, std::uint8_t colour) {
-    PixelRect rows{0, 0, frame.width, 0};
+PixelRect RecolourFrame(const FrameBuffer& frame, std::uint8_t entry, const FramePalette& palette,
+                        std::uint32_t* picture, std::ptrdiff_t stride) {
+    const Expander expander(palette);
+    PixelRect changed{frame.width, frame.height, 0, 0};
     for (std::int32_t y = 0; y < frame.height; ++y) {
-        if (std::memchr(frame.Row(y), colour, static_cast<std::size_t>(frame.width)) != nullptr) {
-            rows.top = rows.bottom == 0 ? y : rows.top;
-            rows.bottom = y + 1;
+        const std::uint8_t* const row = frame.Row(y);
+        std::int32_t x = 0;
+        while (const void* found = std::memchr(row + x, entry, static_cast<std::size_t>(frame.width - x))) {
+            x = static_cast<std::int32_t>(static_cast<const std::uint8_t*>(found) - row);
+            const std::int32_t end = std::min(x + BLOCK, frame.width);
+            expander.Run(row + x, end - x, picture + y * stride + x);
+            changed = {std::min(changed.left, x), std::min(changed.top, y), std::max(changed.right, end),
+                       y + 1};
+            x = end;
         }
     }
-    return rows;
+    return IsEmpty(changed) ? PixelRect{0, 0, 0, 0} : changed;
 }
 
 }  // namespace quelmark

@@ -66,7 +66,9 @@ using FramePalette = std::array<std::uint32_t, 16>;
 // frame. `picture` is where the frame's first pixel goes; `stride` its pixels a row.
 void ExpandFrame(const FrameBuffer& frame, const PixelRect& area, const FramePalette& palette,
                  std::uint32_t* picture, std::ptrdiff_t stride);
-// The whole rows from the first to the last that hold a palette index; empty when none does.
-PixelRect RowsWith(const FrameBuffer& frame, std::uint8_t colour);
+// After a change of one entry: the pixels of the whole frame that are of it once more, some neighbours with
+// them. The rectangle of what was written; empty when no pixel is of the entry.
+PixelRect RecolourFrame(const FrameBuffer& frame, std::uint8_t entry, const FramePalette& palette,
+                        std::uint32_t* picture, std::ptrdiff_t stride);
 
 }  // namespace quelmark

@@ -41,11 +41,36 @@ QColor QtWindow::Entry(std::uint8_t index) const {
     return QColor::fromRgb(palette_[index & 15]);
 }
 
-void QtWindow::ShowFrame(const QRect& area) {
+void QtWindow::ExpandPicture(const QRect& area) {
     const PixelRect wanted{area.left(), area.top(), area.left() + area.width(), area.top() + area.height()};
     ExpandFrame(ViewFrame, Intersection(wanted, ViewFrame.Bounds()), palette_,
                 reinterpret_cast<QRgb*>(picture_.bits()),
                 picture_.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb)));
+}
+
+PixelRect QtWindow::RecolourPicture(std::uint8_t entry) {
+    if (picture_.width() != ViewFrame.width || picture_.height() != ViewFrame.height) {
+        return {0, 0, 0, 0};  // nothing of this size has been painted yet
+    }
+    return RecolourFrame(ViewFrame, entry, palette_, reinterpret_cast<QRgb*>(picture_.bits()),
+                         picture_.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb)));
+}
+
+// Some rows at a time, which are still in the processor's cache when they are copied.
+void QtWindow::PaintPicture(QPainter& painter, const QRegion& region) {
+    constexpr int ROWS = 64;
+    for (const QRect& rect : region) {
+        const QRect shown = rect.intersected(picture_.rect());
+        for (int top = shown.top(); top <= shown.bottom(); top += ROWS) {
+            const QRect rows = shown.intersected(QRect(shown.left(), top, shown.width(), ROWS));
+            for (const QRect& part : stale_.intersected(rows)) {
+                ExpandPicture(part);
+            }
+            painter.drawImage(rows.topLeft(), picture_, rows);
+        }
+    }
+    stale_ -= region;
+    unseen_ -= region;
 }
 
 void QtWindow::paintEvent(QPaintEvent* event) {
@@ -63,15 +88,7 @@ void QtWindow::paintEvent(QPaintEvent* event) {
     for (const QRect& rect : event->region()) {
         region += ToGrid(grid_, rect);
     }
-    const QRegion wanted = stale_.intersected(region);
-    for (const QRect& rect : wanted) {
-        ShowFrame(rect);
-    }
-    stale_ -= wanted;
-    for (const QRect& rect : region) {
-        const QRect shown = rect.intersected(picture_.rect());
-        painter.drawImage(shown.topLeft(), picture_, shown);
-    }
+    PaintPicture(painter, region);
     painter.setFont(font_);
     PaintTexts(painter);
     PaintList(painter);

@@ -345,6 +345,7 @@ void QtWindow::Invalidate(Pane pane) {
 
 void QtWindow::InvalidateFrame(const PixelRect& rect) {
     stale_ += ToRect(rect);
+    unseen_ += ToRect(rect);
     Renew(ToRect(rect));
 }
 
@@ -355,15 +356,14 @@ void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t gre
         return;
     }
     entry = colour;
-    if (index != PULSE_ENTRY) {
-        InvalidateFrame(ViewFrame.Bounds());
-        update();
-        return;
+    const PixelRect recoloured = RecolourPicture(static_cast<std::uint8_t>(index & 15));
+    if (!IsEmpty(recoloured)) {
+        unseen_ += ToRect(recoloured);
+        Renew(ToRect(recoloured));
     }
-    // The pulse: only rows that hold the entry change.
-    const PixelRect rows = RowsWith(ViewFrame, PULSE_ENTRY);
-    if (!IsEmpty(rows)) {
-        InvalidateFrame(rows);
+    if (index != PULSE_ENTRY) {
+        update();  // panes and texts of that colour too
+        return;
     }
     const auto renew = [this](const ViewText& text) {
         if (text.colour == PULSE_ENTRY) {
@@ -398,9 +398,9 @@ bool QtWindow::TellChange(Dialog& dialog, std::int32_t row) {
     if (--telling_ == 0) {
         QCoreApplication::instance()->removeEventFilter(this);
     }
-    if (!stale_.isEmpty()) {
+    if (!unseen_.isEmpty()) {
         QRegion region;
-        for (const QRect& rect : stale_) {
+        for (const QRect& rect : unseen_) {
             region += FromGrid(grid_, rect);
         }
         repaint(region);

@@ -78,7 +78,10 @@ class QtWindow final : public QWidget, public Window {
     void TakeButtons(const QMouseEvent& event);
     void TakeShift(Qt::KeyboardModifiers modifiers);
     void PutKey(std::int32_t code);
-    void ShowFrame(const QRect& area);
+    // Bring the picture up to date: in an area, and where pixels are of an entry that has changed.
+    void ExpandPicture(const QRect& area);
+    PixelRect RecolourPicture(std::uint8_t entry);
+    void PaintPicture(QPainter& painter, const QRegion& region);
     void PaintTexts(QPainter& painter);
     void PaintList(QPainter& painter);
     void PaintButtons(QPainter& painter);
@@ -118,7 +121,8 @@ class QtWindow final : public QWidget, public Window {
     QFont font_;       // of the panes, in cells
     QFont labelFont_;  // of the buttons, whose size in cells is always the same
     QImage picture_;   // the frame in 32 bits
-    QRegion stale_;    // of the picture, in cells
+    QRegion stale_;    // what of the picture is not as the frame is, in cells
+    QRegion unseen_;   // what of the frame, or of its colours, changed and is not painted yet, in cells
     std::int32_t characterWidth_ = 8, lineHeight_ = 16;
     bool hosted_ = false;
 };

@@ -110,45 +110,106 @@ TEST(Lines, AQuadAcrossAWideFrameHasThePixelsOfItsFourLines) {
     }
     EXPECT_EQ(quad.pixels, lines.pixels);
 }
-TEST(Frame, ExpandsEveryPixelOfAnAreaAndNoOther) {
-    std::mt19937 random(5);
+// A frame of random pixels, a picture with room beside it, and the picture as it should become.
+struct ExpandedFrame {
     FrameBuffer frame;
-    frame.Resize(737, 9);
-    for (std::uint8_t& pixel : frame.pixels) {
-        pixel = static_cast<std::uint8_t>(random() % 256);
-    }
     FramePalette palette{};
-    for (std::uint32_t& entry : palette) {
-        entry = static_cast<std::uint32_t>(random()) | 1;
+    std::int32_t stride = 0;
+    std::vector<std::uint32_t> picture, wanted;
+
+    ExpandedFrame(std::mt19937& random, int width, int height) : stride(width + 3) {
+        frame.Resize(width, height);
+        for (std::uint8_t& pixel : frame.pixels) {
+            pixel = static_cast<std::uint8_t>(random() % 16);
+        }
+        for (std::uint32_t& entry : palette) {
+            entry = static_cast<std::uint32_t>(random()) | 1;
+        }
+        picture.assign(static_cast<std::size_t>(stride) * static_cast<std::size_t>(height) + 1, 0);
+        wanted = picture;
     }
-    for (int round = 0; round < 200; ++round) {
-        const int l = static_cast<int>(random() % 738), r = static_cast<int>(random() % 738);
-        const PixelRect area{std::min(l, r), round % 3, std::max(l, r), 9 - round % 5};
-        constexpr int STRIDE = 740;
-        std::vector<std::uint32_t> picture(static_cast<std::size_t>(STRIDE) * 9, 0), wanted = picture;
+    void ExpandPlainly(const PixelRect& area) {
         for (int y = area.top; y < area.bottom; ++y) {
             for (int x = area.left; x < area.right; ++x) {
-                wanted[static_cast<std::size_t>(y * STRIDE + x)] = palette[frame.Row(y)[x] & 15];
+                wanted[static_cast<std::size_t>(y * stride + x)] = palette[frame.Row(y)[x] & 15];
             }
         }
-        ExpandFrame(frame, area, palette, picture.data(), STRIDE);
-        ASSERT_EQ(picture, wanted);
+    }
+};
+
+int AnyWidth(std::mt19937& random) {
+    constexpr int WIDTHS[] = {0, 1, 2, 15, 16, 17, 127, 128, 129, 255, 257};
+    return random() % 2 == 0 ? WIDTHS[random() % std::size(WIDTHS)] : static_cast<int>(random() % 700);
+}
+
+TEST(Frame, ExpandsEveryPixelOfAnAreaAndNoOther) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 2000; ++round) {
+        const int width = AnyWidth(random), height = static_cast<int>(random() % 9);
+        ExpandedFrame f(random, width, height);
+        for (std::uint8_t& pixel : f.frame.pixels) {
+            pixel |= static_cast<std::uint8_t>(random() % 16 << 4);  // only the lower four bits count
+        }
+        const auto within = [&random](int most) {
+            return static_cast<int>(random() % (static_cast<unsigned>(most) + 1));
+        };
+        // Areas without width or height, and swapped ones, among them.
+        const PixelRect area{within(width), within(height), within(width), within(height)};
+        ExpandFrame(f.frame, area, f.palette, f.picture.data(), f.stride);
+        f.ExpandPlainly(area);
+        ASSERT_EQ(f.picture, f.wanted) << round;
     }
 }
-TEST(Frame, TheRowsWithAColourReachFromItsFirstToItsLast) {
+TEST(Frame, AChangedEntryIsSeenEverywhereAndPixelsOutsideItsRectangleStay) {
+    std::mt19937 random(6);
+    for (int round = 0; round < 2000; ++round) {
+        ExpandedFrame f(random, AnyWidth(random), static_cast<int>(random() % 9));
+        const auto entry = static_cast<std::uint8_t>(random() % 16);
+        // From frames that are full of it to such that hold none.
+        const unsigned rarity = 1U << random() % 12;
+        std::int32_t count = 0;
+        for (std::uint8_t& pixel : f.frame.pixels) {
+            pixel = random() % rarity == 0 ? entry : static_cast<std::uint8_t>(entry ^ 1);
+        }
+        for (std::int32_t y = 0; y < f.frame.height; ++y) {
+            count +=
+                static_cast<std::int32_t>(std::count(f.frame.Row(y), f.frame.Row(y) + f.frame.width, entry));
+        }
+        f.ExpandPlainly(f.frame.Bounds());
+        f.picture = f.wanted;
+        f.palette[entry] ^= 0x00FF00FF;
+        f.ExpandPlainly(f.frame.Bounds());
+        const auto before = f.picture;
+        const PixelRect changed = RecolourFrame(f.frame, entry, f.palette, f.picture.data(), f.stride);
+        ASSERT_EQ(f.picture, f.wanted) << round;
+        ASSERT_EQ(IsEmpty(changed), count == 0);
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            const auto x = static_cast<std::int32_t>(i) % f.stride,
+                       y = static_cast<std::int32_t>(i) / f.stride;
+            const bool inside =
+                x >= changed.left && x < changed.right && y >= changed.top && y < changed.bottom;
+            ASSERT_TRUE(inside || f.picture[i] == before[i]) << round;
+        }
+    }
+}
+TEST(Frame, AChangedEntryLeavesAloneWhatLiesFarFromItsPixels) {
     FrameBuffer frame;
-    frame.Resize(20, 10);
-    EXPECT_TRUE(IsEmpty(RowsWith(frame, 3)));
-    frame.Row(0)[19] = 3;
-    EXPECT_EQ(RowsWith(frame, 3).top, 0);
-    EXPECT_EQ(RowsWith(frame, 3).bottom, 1);
-    frame.Row(0)[19] = 0;
-    frame.Row(2)[0] = frame.Row(7)[5] = 3;
-    const PixelRect rows = RowsWith(frame, 3);
-    EXPECT_EQ(rows.left, 0);
-    EXPECT_EQ(rows.top, 2);
-    EXPECT_EQ(rows.right, 20);
-    EXPECT_EQ(rows.bottom, 8);
+    frame.Resize(1000, 10);
+    FramePalette palette{};
+    palette[3] = 7;
+    std::vector<std::uint32_t> picture(1000 * 10, 5);
+    EXPECT_TRUE(IsEmpty(RecolourFrame(frame, 3, palette, picture.data(), 1000)));
+    frame.Row(0)[999] = frame.Row(7)[5] = 3;
+    const PixelRect changed = RecolourFrame(frame, 3, palette, picture.data(), 1000);
+    EXPECT_EQ(changed.left, 5);
+    EXPECT_EQ(changed.top, 0);
+    EXPECT_EQ(changed.right, 1000);
+    EXPECT_EQ(changed.bottom, 8);
+    EXPECT_EQ(picture[999], 7U);
+    EXPECT_EQ(picture[7005], 7U);
+    EXPECT_EQ(picture[998], 5U);
+    EXPECT_EQ(picture[7004], 5U);
+    EXPECT_EQ(picture[7500], 5U);
 }
 
 class View3D : public ScriptTest {
