@@ -15,16 +15,23 @@ namespace {
 constexpr std::uint8_t COLOUR_WITHOUT_ATTRIBUTE = 7;
 
 bool drawing = false;
-std::vector<const PolygonRecord*> selected;  // during a redraw
+// During a redraw:
+std::int32_t drawn = 0;  // mask of views
+std::vector<const PolygonRecord*> selected;
 
 void Prepare(std::int32_t mask) {
+    drawn = mask;
     FlatPrepare(mask);
     PersPrepare(mask);
 }
 
 void DrawPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks) {
-    FlatPolygon(polygon, colour, marks);
-    PersPolygon(polygon, colour, marks);
+    if ((drawn & WIN_ORTHOGRAPHIC) != 0) {
+        FlatPolygon(polygon, colour, marks);
+    }
+    if ((drawn & WIN_PERS) != 0) {
+        PersPolygon(polygon, colour, marks);
+    }
 }
 
 std::uint8_t AttributeColour(std::int16_t attribute) {

@@ -155,7 +155,7 @@ bool CanShow(const PolygonRecord& polygon, const FlatView& view) {
 }
 
 // Any number of vertices and any setting.
-void DrawOutline(const PolygonRecord& polygon, std::uint8_t colour, bool marked) {
+[[gnu::noinline]] void DrawOutline(const PolygonRecord& polygon, std::uint8_t colour, bool marked) {
     const std::int32_t count = polygon.vers;
     bool ready = false;
     for (int i = 0; i < viewCount; ++i) {
@@ -180,24 +180,16 @@ void DrawOutline(const PolygonRecord& polygon, std::uint8_t colour, bool marked)
     }
 }
 
-// Up to four vertices, by a fast path, in the views that show something of it.
-void DrawQuads(const PolygonRecord& polygon, std::uint8_t colour, bool marked) {
-    const Corners corners(polygon.vertex, polygon.vers);
-    const Words* const c = corners.corner;
-    const Words least = Least(Least(c[0], c[1]), Least(c[2], c[3]));
-    const Words most = Most(Most(c[0], c[1]), Most(c[2], c[3]));
-    Lanes scaled[3];
-    bool ready = false;
+// Up to four vertices, between two corners of a box, by a fast path in the views that can show something of
+// them, one bit each.
+[[gnu::noinline]] void DrawQuads(const PolygonRecord& polygon, Words least, Words most, unsigned showing,
+                                 std::uint8_t colour, bool marked) {
+    const AxisLanes lanes(Corners(polygon.vertex, polygon.vers));
+    const Lanes scaled[3] = {Scaled(lanes.axis[0], centre[0]), Scaled(lanes.axis[1], centre[1]),
+                             Scaled(lanes.axis[2], centre[2])};
     for (int i = 0; i < viewCount; ++i) {
         const FlatView& view = views[i];
-        if (!Any((most < view.low) | (least > view.high))) {
-            if (!ready) {
-                const AxisLanes lanes(corners);
-                for (int axis = 0; axis < 3; ++axis) {
-                    scaled[axis] = Scaled(lanes.axis[axis], centre[axis]);
-                }
-                ready = true;
-            }
+        if ((showing >> i & 1U) != 0) {
             const Lanes x = view.centreX + scaled[view.right], y = view.centreY - scaled[view.up];
             if (!Any((least < view.low) | (most > view.high))) {
                 DrawQuadInside(ViewFrame, x, y, colour);
@@ -284,16 +276,26 @@ void FlatGround() {
     }
 }
 
+// Zoomed in, most polygons are seen in no view and end here, which costs little more than to walk over them:
+// what draws the others is kept out of the way.
 void FlatPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks) {
-    if (viewCount == 0) {
-        return;
-    }
     const bool marked = marking && marks == Marks::AsSet;
-    if (path != Path::Careful && polygon.vers <= LANES) {
-        DrawQuads(polygon, colour, marked);
+    if (path == Path::Careful || polygon.vers > LANES) {
+        DrawOutline(polygon, colour, marked);
         return;
     }
-    DrawOutline(polygon, colour, marked);
+    const Corners corners(polygon.vertex, polygon.vers);
+    const Words* const c = corners.corner;
+    const Words least = Least(Least(c[0], c[1]), Least(c[2], c[3]));
+    const Words most = Most(Most(c[0], c[1]), Most(c[2], c[3]));
+    unsigned showing = 0;
+    for (int i = 0; i < viewCount; ++i) {
+        const bool outside = Any((most < views[i].low) | (least > views[i].high));
+        showing |= (outside ? 0U : 1U) << i;
+    }
+    if (showing != 0 || marked) {
+        DrawQuads(polygon, least, most, showing, colour, marked);
+    }
 }
 
 }  // namespace quelmark

@@ -61,6 +61,10 @@ std::uint64_t SlopeOf(std::uint64_t rise, std::uint64_t length) {
 template <Ink ink>
 void RunBySlope(std::uint8_t* base, std::int64_t count, std::ptrdiff_t along, std::ptrdiff_t across,
                 std::uint64_t position, std::uint64_t slope, std::uint8_t colour) {
+    if (ink == Ink::Set && slope == 0 && along == 1 && count > FILL_LEAST) {
+        std::memset(base, colour, static_cast<std::size_t>(count));
+        return;
+    }
     const auto at = [&](std::int64_t step) {
         const std::uint64_t there = position + static_cast<std::uint64_t>(step) * slope;
         return base + step * along + static_cast<std::ptrdiff_t>(there >> SLOPE_BITS) * across;
@@ -218,10 +222,6 @@ inline void DrawInside(FrameBuffer& frame, std::int32_t x, std::int32_t y, std::
     const std::ptrdiff_t along = steep ? stride : 1;
     const std::ptrdiff_t turn = (dx ^ dy) >> 31;
     const std::ptrdiff_t across = ((stride + 1 - along) ^ turn) - turn;
-    if (height == 0 && width >= FILL_LEAST) {
-        std::memset(pixel, colour, static_cast<std::size_t>(width) + 1);
-        return;
-    }
     const std::uint64_t slope = SlopeOf(static_cast<std::uint64_t>(rise), static_cast<std::uint64_t>(length));
     RunBySlope<Ink::Set>(pixel, length + 1, along, across, HALF_STEP, slope, colour);
 }
@@ -285,10 +285,6 @@ void DrawEach(FrameBuffer& frame, const QuadLines& lines, std::uint8_t colour) {
     for (int i = 0; i < LANES; ++i) {
         const std::int32_t length = lines.length[i], rise = lines.rise[i];
         std::uint8_t* const pixel = frame.pixels.data() + lines.start[i];
-        if (length >= FILL_LEAST && rise == 0 && lines.along[i] == 1) {
-            std::memset(pixel, colour, static_cast<std::size_t>(length) + 1);
-            continue;
-        }
         const std::uint64_t slope =
             SlopeOf(static_cast<std::uint64_t>(rise), static_cast<std::uint64_t>(length));
         RunBySlope<Ink::Set>(pixel, length + 1, lines.along[i], lines.across[i], HALF_STEP, slope, colour);
