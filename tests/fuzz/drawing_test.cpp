@@ -523,5 +523,71 @@ TEST_F(Drawing, ARedrawOfAnAreaChangesTheViewsThatItMeetsAlone) {
     }
 }
 
+// What the host is told of is all that a window has to show anew.
+std::vector<PixelRect> told;
+void Tell(const PixelRect& rect) {
+    told.push_back(rect);
+}
+
+TEST_F(Drawing, NoPixelChangesOutsideTheRectanglesThatTheHostIsToldOf) {
+    withEveryFlag = true;
+    ViewSetDamageHook(Tell);
+    for (int round = 0; round < 300; ++round) {
+        wild = round % 2 == 1;
+        MakeModel();
+        ViewInit();
+        ViewLayout(1 + Below(120), 1 + Below(120), 16);
+        ViewEnableDrawing(true);
+        for (int step = 0; step < 30; ++step) {
+            auto expected = Shown();
+            told.clear();
+            const int change = Below(10);
+            switch (change) {
+                case 0:
+                    ChangeSetting();
+                    break;
+                case 1:
+                    Toggle(AnyBand());
+                    break;
+                case 2:
+                    OverlayModelLines(AnyBand().lines, LINE_OR);
+                    break;
+                case 3:
+                    OverlayModelMarks({{Number(), Number(), Number()}}, LINE_XOR);
+                    break;
+                case 4:
+                    CursorShow(Below(2) == 0);
+                    break;
+                case 5:
+                    CursorTrack(Below(120), Below(120));
+                    break;
+                case 6:
+                    ViewClear(Below(2) == 0);
+                    break;
+                case 7:
+                    ViewDrawCurrent(Below(2) == 0);
+                    break;
+                case 8:
+                    ViewRedraw({Below(120), Below(120), Below(120), Below(120)}, Below(2) == 0);
+                    break;
+                default:
+                    ViewRedrawMask(Below(16), Below(2) == 0);
+                    break;
+            }
+            const auto now = Shown();
+            for (const PixelRect& rect : told) {
+                for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
+                    for (std::int32_t x = rect.left; x < rect.right; ++x) {
+                        const auto i = static_cast<std::size_t>(y * ViewFrame.width + x);
+                        expected[i] = now[i];
+                    }
+                }
+            }
+            ASSERT_EQ(now, expected) << "round " << round << ", change " << change;
+        }
+    }
+    ViewSetDamageHook(nullptr);
+}
+
 }  // namespace
 }  // namespace quelmark::test

@@ -472,6 +472,31 @@ TEST_F(View3D, TheCursorComesAndGoesWithoutATrace) {
     CursorShow(false);
     EXPECT_EQ(ViewFrame.pixels, before);
 }
+// What the host was told to show anew, in pixels.
+std::int64_t toldPixels = 0;
+
+TEST_F(View3D, ATrackedCursorShowsAnewItsLinesAloneInEveryView) {
+    Triangle(0, 0, 0, 100, 0, 0, 0, 100, 0, true);
+    ViewRedraw(WHOLE_AREA, true);
+    // A polygon that was taken away since the redraw stays in the picture: nothing but the cursor is drawn.
+    PolygonDelete();
+    const int outline = Count(COLOUR_SELECTED, WIN_XY);
+    ASSERT_GE(outline, 300);
+    CursorShow(true);
+    ViewSetDamageHook([](const PixelRect& rect) {
+        toldPixels += std::int64_t{rect.right - rect.left} * (rect.bottom - rect.top);
+    });
+    constexpr PanePoint POINTERS[] = {{50, 20}, {700, 400}, {30, 500}, {700, 50}};  // one a view
+    for (const PanePoint& at : POINTERS) {
+        toldPixels = 0;
+        ASSERT_TRUE(CursorTrack(static_cast<std::int32_t>(at.x), static_cast<std::int32_t>(at.y)));
+        // Three pixels beside each of two crosses over each orthographic view, and the two small ones.
+        EXPECT_LE(toldPixels, 2 * (3 * 3 * (401 + 301) + 19 * 19));
+    }
+    ViewSetDamageHook(nullptr);
+    CursorShow(false);
+    EXPECT_EQ(Count(COLOUR_SELECTED, WIN_XY), outline);
+}
 TEST_F(View3D, ATrackedCursorKeepsTheThirdCoordinateAndSnaps) {
     CursorMove({1, 2, 33});
     ViewState.gridSnap = 10;
