@@ -72,8 +72,8 @@ class Window {
     // Opens a document (host path) with the system's viewer.
     virtual void OpenDocument(const std::string& path) = 0;
     virtual void Beep() = 0;
-    // The native window's handle, 0 when there is none.
-    virtual std::uint64_t Handle() const = 0;
+    // The handle of the native window that shows the client area, 0 when there is none.
+    virtual std::uint64_t Handle() = 0;
     // A part of the client area in the pixels of the native window, which may be smaller than those here.
     virtual PixelRect NativeRect(const PixelRect& rect) const = 0;
 };

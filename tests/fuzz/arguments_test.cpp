@@ -47,7 +47,7 @@ class DeafWindow : public Window {
     std::string RunFileDialog(const FileDialog&) override { return ""; }
     void OpenDocument(const std::string&) override {}
     void Beep() override {}
-    std::uint64_t Handle() const override { return 0; }
+    std::uint64_t Handle() override { return 0; }
     PixelRect NativeRect(const PixelRect& rect) const override { return rect; }
 
   private:

@@ -16,8 +16,7 @@
 namespace quelmark {
 namespace {
 
-// The library shows neither the title that the keyboard is at nor, at most scales, the bar's last row of
-// screen pixels as part of its lower edge.
+// The library shows neither the title that the keyboard is at nor, at most scales, one even lower edge.
 class MenuBar final : public QMenuBar {
   public:
     using QMenuBar::QMenuBar;
@@ -33,8 +32,17 @@ class MenuBar final : public QMenuBar {
         constexpr int DARKER_PERCENT = 112;
         QMenuBar::paintEvent(event);
         QPainter painter(this);
-        painter.fillRect(QRect(0, height() - 1, width(), 1),
-                         palette().color(QPalette::Window).darker(DARKER_PERCENT));
+        const QColor plain = palette().color(QPalette::Window);
+        // What the titles and the gaps between them have for a lower edge is not in one row.
+        const int edge = actions().isEmpty() ? height() - 1 : actionGeometry(actions().first()).bottom() - 1;
+        QRegion edges(0, edge, width(), height() - edge);
+        if (activeAction() != nullptr) {
+            edges -= actionGeometry(activeAction());
+        }
+        for (const QRect& part : edges) {
+            painter.fillRect(part, plain);
+        }
+        painter.fillRect(QRect(0, height() - 1, width(), 1), plain.darker(DARKER_PERCENT));
     }
 };
 

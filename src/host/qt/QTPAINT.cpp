@@ -7,6 +7,7 @@
 
 #include "host/BUTTONS.h"
 #include "host/PANES.h"
+#include "host/TEXTCUT.h"
 #include "host/qt/QTTEXT.h"
 #include "view/TEXTS.h"
 #include "view/VIEW.h"
@@ -15,6 +16,7 @@ namespace quelmark {
 namespace {
 
 constexpr std::uint8_t FRAME_COLOUR = 13;
+constexpr std::size_t LIST_COLUMNS = 9;  // the last one nearly: no half of a wide character is shown
 
 // A raised or sunken rectangle: one cell of light at its left and top, one of shadow at its right and bottom.
 void PaintEdge(QPainter& painter, const QRect& place, const QColor& light, const QColor& shadow) {
@@ -24,15 +26,40 @@ void PaintEdge(QPainter& painter, const QRect& place, const QColor& light, const
     painter.fillRect(QRect(place.right(), place.top(), 1, place.height()), shadow);
 }
 
-// Small enough for a label to fit on a button, as far as it can still be read.
-QFont LabelFont(const QFont& font, const QString& label) {
+constexpr int LABEL_ROOM = BUTTON_SIZE - 2;
+
+// Small enough for a line to fit on a button, as far as it can still be read.
+QFont LabelFont(const QFont& font, const QString& line) {
     constexpr int LEAST = 8;
-    constexpr int ROOM = BUTTON_SIZE - 2;
     QFont fitting = font;
-    while (fitting.pixelSize() > LEAST && QFontMetrics(fitting).horizontalAdvance(label) > ROOM) {
+    while (fitting.pixelSize() > LEAST && QFontMetrics(fitting).horizontalAdvance(line) > LABEL_ROOM) {
         fitting.setPixelSize(fitting.pixelSize() - 1);
     }
     return fitting;
+}
+
+// On two lines when it would not fit on one.
+void PaintLabel(QPainter& painter, const QRect& place, QFont font, const QString& label) {
+    const QFont onOne = LabelFont(font, label);
+    const QFontMetrics metrics(onOne);
+    const int width = metrics.horizontalAdvance(label);
+    if (width <= LABEL_ROOM) {
+        painter.setFont(onOne);
+        painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, label);
+        return;
+    }
+    qsizetype half = 1;
+    while (2 * metrics.horizontalAdvance(label.left(half)) < width) {
+        ++half;
+    }
+    font.setPixelSize(LABEL_ROOM / 2);
+    QRect line = place;
+    line.setHeight(place.height() / 2);
+    for (const QString& part : {label.left(half), label.mid(half)}) {
+        painter.setFont(LabelFont(font, part));
+        painter.drawText(line, Qt::AlignCenter | Qt::TextDontClip, part);
+        line.translate(0, line.height());
+    }
 }
 
 }  // namespace
@@ -124,7 +151,7 @@ void QtWindow::PaintList(QPainter& painter) {
                              Entry(FRAME_COLOUR));
         }
         painter.setPen(Entry(row.heading ? PANE_HIGHLIGHT : PANE_TEXT));
-        painter.drawText(left, top + ascent, ToText(row.text).trimmed());
+        painter.drawText(left, top + ascent, ToText(CutText(row.text, LIST_COLUMNS)).trimmed());
     }
     painter.setClipping(false);
 }
@@ -145,10 +172,9 @@ void QtWindow::PaintButtons(QPainter& painter) {
         const QColor ink = face.enabled ? QColor(Qt::black) : Entry(FRAME_COLOUR);
         painter.setPen(ink);
         if (!face.picture) {
-            const QString label = ToText(face.label);
-            painter.setFont(LabelFont(labelFont_, label));
-            painter.setClipRect(place.adjusted(1, 1, -1, -1) & panel);
-            painter.drawText(place.translated(shift, shift), Qt::AlignCenter | Qt::TextDontClip, label);
+            const QRect inner = place.adjusted(1, 1, -1, -1);
+            painter.setClipRect(inner & panel);
+            PaintLabel(painter, inner.translated(shift, shift), labelFont_, ToText(face.label));
             painter.setClipRect(panel);
             continue;
         }

@@ -27,6 +27,11 @@ QSize QtRowArea::sizeHint() const {
     return size.boundedTo(room_);
 }
 
+// One row alone is less than the library's least.
+QSize QtRowArea::minimumSizeHint() const {
+    return QScrollArea::minimumSizeHint().boundedTo(sizeHint());
+}
+
 // The wheel scrolls the rows; it changes a row only where the keyboard is, so that none changes by being
 // scrolled past.
 bool QtRowArea::eventFilter(QObject* watched, QEvent* event) {

@@ -11,6 +11,7 @@ class QtRowArea final : public QScrollArea {
     QtRowArea(QWidget* rows, QSize room);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -12,6 +12,7 @@
 #include <QTimer>
 #include <QToolTip>
 #include <QUrl>
+#include <QWindow>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -433,6 +434,21 @@ void QtWindow::OpenDocument(const std::string& path) {
 
 void QtWindow::Beep() {
     QApplication::beep();
+}
+
+// The client area has a native window of its own from the first time that its handle is asked for. Until the
+// window server has had it painted, what another program draws into it would be lost.
+std::uint64_t QtWindow::Handle() {
+    constexpr std::int32_t PAINTED_MOST = 1000;
+    constexpr std::int32_t ROUND = 10;
+    const bool isNew = internalWinId() == 0;
+    const WId handle = winId();
+    const QElapsedTimer& clock = Clock();
+    const qint64 end = clock.elapsed() + PAINTED_MOST;
+    while (isNew && isVisible() && !windowHandle()->isExposed() && clock.elapsed() < end) {
+        Deliver(ROUND);
+    }
+    return static_cast<std::uint64_t>(handle);
 }
 
 // The native window's first pixel is the grid's first, or the whole one next to it.

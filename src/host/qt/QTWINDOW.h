@@ -43,7 +43,7 @@ class QtWindow final : public QWidget, public Window {
     std::string RunFileDialog(const FileDialog& dialog) override;
     void OpenDocument(const std::string& path) override;
     void Beep() override;
-    std::uint64_t Handle() const override { return static_cast<std::uint64_t>(winId()); }
+    std::uint64_t Handle() override;
     PixelRect NativeRect(const PixelRect& rect) const override;
 
     // From here on sizes are told to the host.

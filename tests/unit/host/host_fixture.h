@@ -75,7 +75,7 @@ class HandWindow final : public Window {
     std::string RunFileDialog(const FileDialog&) override { return chosenFile; }
     void OpenDocument(const std::string& path) override { opened = path; }
     void Beep() override { ++beeps; }
-    std::uint64_t Handle() const override { return 7; }
+    std::uint64_t Handle() override { return 7; }
     PixelRect NativeRect(const PixelRect& rect) const override { return rect; }
 
   private:
