@@ -62,6 +62,17 @@ bool HasSamePlace(const Image& image, std::span<const char> memory, std::size_t 
     return n < image.size() && n < Parts(memory.size()) && image[n]->Bytes().size() == Part(memory, n).size();
 }
 
+// The piece of one of two images that has the bytes of the n-th part already, or null.
+std::shared_ptr<Piece> PieceOf(std::span<const char> memory, std::size_t n, const Image& image,
+                               const Image& nearest) {
+    for (const Image* from : {&image, &nearest}) {
+        if (HasSamePlace(*from, memory, n) && IsEqual((*from)[n]->Bytes(), Part(memory, n))) {
+            return (*from)[n];
+        }
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 Piece::Piece(std::size_t wanted) : bytes(NewBytes(wanted)), count(wanted) {
@@ -116,27 +127,31 @@ char* PutBack(const Image& image, char* to) {
     return to;
 }
 
-Image ExchangeBegin(const Image& image, std::span<const char> memory) {
+Image ExchangeBegin(const Image& image, std::span<const char> memory, const Image& nearest) {
     Image kept(Parts(memory.size()));
     for (std::size_t n = 0; n < kept.size(); ++n) {
-        const std::span<const char> part = Part(memory, n);
-        if (HasSamePlace(image, memory, n) && IsEqual(image[n]->Bytes(), part)) {
-            kept[n] = image[n];
-        } else if (!HasSamePlace(image, memory, n) || image[n].use_count() > 1) {
-            kept[n] = std::make_shared<Piece>(part.size());
+        if (!HasSamePlace(image, memory, n) || image[n].use_count() > 1) {
+            kept[n] = PieceOf(memory, n, image, nearest);
+            kept[n] = kept[n] != nullptr ? kept[n] : std::make_shared<Piece>(Part(memory, n).size());
         }
     }
     return kept;
 }
 
-char* ExchangeEnd(const Image& image, std::span<char> memory, Image& kept) {
+char* ExchangeEnd(const Image& image, std::span<char> memory, const Image& nearest, Image& kept) {
     for (std::size_t n = 0; n < kept.size(); ++n) {
         const std::span<char> part = Part(memory, n);
+        kept[n] = kept[n] != nullptr ? kept[n] : PieceOf(memory, n, image, nearest);
+        const bool isShared = kept[n].use_count() > 1;  // it has the bytes already
+        kept[n] = kept[n] != nullptr ? kept[n] : image[n];
         if (!HasSamePlace(image, memory, n)) {
-            Copy(part, kept[n]->Bytes().data());
-        } else if (kept[n] != image[n]) {
-            kept[n] = kept[n] == nullptr ? image[n] : kept[n];
+            if (!isShared) {
+                Copy(part, kept[n]->Bytes().data());
+            }
+        } else if (!isShared) {
             Exchange(image[n]->Bytes(), part.data(), kept[n]->Bytes().data());
+        } else if (kept[n] != image[n]) {
+            Copy(image[n]->Bytes(), part.data());
         }
     }
     char* to = memory.data();

@@ -130,18 +130,21 @@ bool Exchange(From& from, To& to) {
     isMarkOpen = false;
     Step& step = from.back();
     const ModelState& old = step.state;
-    ModelState present{{}, {}, {}, PresentNumbers()};
+    ModelState present{{}, {}, {}, PresentNumbers()}, nearest{};
     try {
-        present.polygons = ExchangeBegin(old.polygons, Polygons());
-        present.attributes = ExchangeBegin(old.attributes, Attributes());
-        present.objects = ExchangeBegin(old.objects, Objects());
+        if (!to.empty()) {
+            nearest = to.back().state;
+        }
+        present.polygons = ExchangeBegin(old.polygons, Polygons(), nearest.polygons);
+        present.attributes = ExchangeBegin(old.attributes, Attributes(), nearest.attributes);
+        present.objects = ExchangeBegin(old.objects, Objects(), nearest.objects);
         to.push_back({step.name, {}});
     } catch (const std::bad_alloc&) {
         return false;
     }
-    BufNext = ExchangeEnd(old.polygons, Polygons(), present.polygons);
-    ExchangeEnd(old.attributes, Attributes(), present.attributes);
-    ExchangeEnd(old.objects, Objects(), present.objects);
+    BufNext = ExchangeEnd(old.polygons, Polygons(), nearest.polygons, present.polygons);
+    ExchangeEnd(old.attributes, Attributes(), nearest.attributes, present.attributes);
+    ExchangeEnd(old.objects, Objects(), nearest.objects, present.objects);
     PutNumbersBack(step);
     to.back().state = std::move(present);
     from.pop_back();

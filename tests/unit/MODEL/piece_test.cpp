@@ -29,9 +29,9 @@ struct Memory {
         std::fill_n(room.begin(), used, with);
     }
     // Keeps what is there and puts the image back.
-    Image Exchange(const Image& image) {
-        Image kept = ExchangeBegin(image, Used());
-        used = static_cast<std::size_t>(ExchangeEnd(image, Used(), kept) - room.data());
+    Image Exchange(const Image& image, const Image& nearest = {}) {
+        Image kept = ExchangeBegin(image, Used(), nearest);
+        used = static_cast<std::size_t>(ExchangeEnd(image, Used(), nearest, kept) - room.data());
         return kept;
     }
 };
@@ -82,6 +82,23 @@ TEST(Pieces, AnExchangeLeavesTheImagesThatShareThePiecesAsTheyWere) {
     EXPECT_EQ(TextOf(kept), std::string(2 * PIECE_BYTES, 'b'));
 }
 
+TEST(Pieces, WhatAnExchangeKeepsSharesThePiecesThatAreEqualInANearImage) {
+    Memory memory;
+    memory.Fill(3 * PIECE_BYTES, 'a');
+    const Image first = New(memory);
+    memory.Fill(3 * PIECE_BYTES, 'b');
+    const Image near = New(memory);
+    memory.room[PIECE_BYTES] = 'c';
+    const std::string present = memory.Text();
+    const Image kept = memory.Exchange(first, near);
+    EXPECT_EQ(kept[0], near[0]);
+    EXPECT_NE(kept[1], near[1]);
+    EXPECT_EQ(kept[2], near[2]);
+    EXPECT_EQ(TextOf(kept), present);
+    EXPECT_EQ(TextOf(near), std::string(3 * PIECE_BYTES, 'b'));
+    EXPECT_EQ(memory.Text(), std::string(3 * PIECE_BYTES, 'a'));
+}
+
 TEST(Pieces, MemoryOfPiecesThatAreGoneIsUsedAgainWithinTheLimit) {
     Memory memory;
     memory.Fill(2 * PIECE_BYTES, 'a');
@@ -124,7 +141,7 @@ TEST(Pieces, RandomExchangesOfGrowingAndShrinkingMemoryKeepEveryImage) {
             case 4:
                 if (!images.empty()) {
                     const std::string present = memory.Text();
-                    images[n] = memory.Exchange(images[n]);
+                    images[n] = memory.Exchange(images[n], images[number(images.size())]);
                     ASSERT_EQ(memory.Text() == texts[n], true) << turn;
                     texts[n] = present;
                 }

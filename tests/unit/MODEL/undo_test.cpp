@@ -5,6 +5,7 @@
 #include <random>
 
 #include "MODEL/BULK.h"
+#include "MODEL/PIECE.h"
 #include "MODEL/SHADE.h"
 #include "model_fixture.h"
 
@@ -243,6 +244,28 @@ TEST_F(UndoSteps, StatesShareTheMemoryOfWhatIsEqual) {
     AddTriangle(0);
     UndoMark("two");
     EXPECT_LT(UndoHeld(), whole + 200000);
+}
+TEST_F(UndoSteps, UndoingAndRedoingSmallChangesHoldsOnePieceMoreAtMost) {
+    ModelExit();
+    ModelInit(1 << 22, 4, 4, 32);
+    for (int i = 0; i < 40000; ++i) {
+        AddTriangle(i % 3000);
+    }
+    PolygonRecord* polygon = PolygonTop();
+    for (int step = 0; step < 40; ++step) {
+        UndoMark("small");
+        polygon->attr ^= 1;
+        for (int i = 0; i < 900; ++i) {
+            polygon = PolygonNext(polygon);
+        }
+    }
+    const std::size_t held = UndoHeld();
+    while (Undo()) {
+        EXPECT_LE(UndoHeld(), held + PIECE_BYTES);
+    }
+    while (Redo()) {
+        EXPECT_LE(UndoHeld(), held + PIECE_BYTES);
+    }
 }
 TEST_F(UndoSteps, AClearedModelStoreForgetsItsSteps) {
     UndoMark("one");
