@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # every_command.sh QUELMARKC: every item of every menu and every key, in every situation, once cancelled, once accepted as it is proposed
-# and once with a file for an answer; every item also cancelled at its second and third dialog, after an answer that is refused, in the
-# middle of a drag and after one click and several: no error, cancelling changes nothing, and undoing gives back what was there.
+# and once with a file for an answer; every item also cancelled at its second and third dialog, after an answer that is refused, with extreme
+# numbers and none, in the middle of a drag and after one click and several: no error, cancelling changes nothing, and undoing gives back what
+# was there.
 set -u
 program=$(realpath "$1")
 here=$(realpath "$(dirname "$0")")
@@ -17,13 +18,13 @@ paste free rows > kinds
 session() {
     awk -F '\t' -v quit='^(終了|（最近|[1-9]  |key 17$)' -v forgets='^(新規|開く|key 1[45]$)' '
         BEGIN { while ((getline line < "kinds") > 0) { split(line, field, "\t"); kinds[field[1]] = field[3] } }
-        # What no text of the dialog can be: neither a name nor a number.
-        function wrong(item,   rows, row, i, n, text) {
+        # The same answer to every text of the dialog.
+        function filled(item, answer,   rows, row, i, n, text) {
             n = split(kinds[item], rows, " ")
-            for (i = 2; i <= n; i++) { split(rows[i], row, ":"); if (row[2]) text = text "answer " row[1] " (\n" }
+            for (i = 2; i <= n; i++) { split(rows[i], row, ":"); if (row[2]) text = text "answer " row[1] " " answer "\n" }
             return text
         }
-        function run(mode, answers, hand) {
+        function run(mode, answers, hand,   i) {
             print "answer 0 " mode; print "answer 1 " $2; print "button 1"; print "key KEY_F13"
             print answers; print $1 (hand ? "\n" hand : "\nkey KEY_F12")
             for (i = 0; i < 3; i++) print "key 27"
@@ -36,7 +37,10 @@ session() {
           run("file", "file other.suf\nbutton 1\nbutton 1\nbutton 1\nbutton 99") }
         /^menu/ { no = "button 0\nbutton 0\nbutton 0\nbutton 99"
           run("second", "button 1\nbutton 0\nbutton 0\nbutton 99"); run("third", "button 1\nbutton 1\nbutton 0\nbutton 99")
-          run("wrong", wrong($1) "button 1\nbutton 0\nbutton 0\nbutton 99")
+          run("wrong", filled($1, "(") "button 1\nbutton 0\nbutton 0\nbutton 99")  # neither a name nor a number
+          if (filled($1, "") != "")
+              for (i = split("2147483648,-2147483649,32768,0,1e300,", extremes, ","); i > 0; i--)
+                  run("extreme", filled($1, extremes[i]) "button 1\nbutton 0\nbutton 0\nbutton 99")
           run("break", no, "mouse 250 200 1\nmouse 300 220 1\nkey 27\nmouse 300 220 0")
           run("click", no, "mouse 250 200 1\nmouse 250 200 0\nkey 27")
           run("clicks", no, "mouse 250 200 1\nmouse 250 200 0\nmouse 300 220 1\nmouse 300 220 0\nmouse 270 260 1\nmouse 270 260 0\nkey 27")
@@ -48,15 +52,16 @@ session > session.input
 # With an empty model some dialogs are others.
 : > kinds
 session > empty.input
-wanted=$(grep -c KEY_F13 session.input)
 
 failures=0
 # try NAME ASKED CHANGED [SETTING ...]: at least so many ask and so many change the model.
 try() {
-    local name=$1 askedLeast=$2 changedLeast=$3 ran asked changed status
+    local name=$1 askedLeast=$2 changedLeast=$3 input=session.input wanted ran asked changed status
     shift 3
+    [ "$name" = empty ] && input=empty.input
+    wanted=$(grep -c KEY_F13 $input)
     configuration every_command.qms "$name" "$@"
-    if [ "$name" = empty ]; then play empty.input; else play session.input; fi > log
+    play $input > log
     status=$?
     read -r ran asked changed < <(sed -n 's/^ran \([0-9]*\) asked \([0-9]*\) changed \([0-9]*\).*/\1 \2 \3/p' log)
     # A full table or buffer is told, and the model stays as it was.

@@ -44,7 +44,7 @@ session() {
         }
         function place() {
             if (random(12) == 0) return random(1400) - 200 " " 48 + random(900)
-            if (random(6) == 0) return width - 123 + random(46) " " 48 + random(340)  # a button, not one that opens, saves or undoes
+            if (random(6) == 0) return width - 123 + random(46) " " 26 + random(362)  # a button, not one that opens or saves
             if (random(8) == 0) return width - 76 + random(76) " " random(700)         # the lists
             return 10 + random(width - 140) " " 10 + random(700)
         }

@@ -100,6 +100,31 @@ key KEY_F14
 close
 EOF
 
+# Undone to what is saved: the copy goes. Done again: it is kept again.
+session '' <<EOF
+$box
+wait 60001
+key 26
+wait 60001
+key KEY_F15
+EOF
+[ -e .quelmark-1.suf ] && { echo "a copy of what was undone stays"; failures=1; }
+session '' <<EOF
+$box
+wait 60001
+key 26
+wait 60001
+key 25
+wait 60001
+key KEY_F15
+EOF
+session 'polygons 6 TRUE []' <<EOF
+button 2
+key KEY_F14
+button 1
+close
+EOF
+
 # While another program holds the copy it is not offered.
 session '' <<EOF
 $box
