@@ -33,9 +33,10 @@ bool IsImageOf(const Image& image, std::span<const char> memory);
 // Writes an image to memory that has room for it; the address behind it.
 char* PutBack(const Image& image, char* to);
 
-// Putting an image back and keeping what was there instead of it, which shares pieces with `nearest` as above.
-// Bytes of pieces that no other image has change places with those of the memory. The beginning gets all
-// memory that is needed, and may throw for lack of it; nothing has changed then, and nothing fails after it.
+// Putting an image back and keeping what was there instead of it, which shares pieces with `nearest` as
+// above. Bytes of pieces that no other image has change places with those of the memory. The beginning gets
+// all memory that is needed, and may throw for lack of it; nothing has changed then, and nothing fails after
+// it.
 Image ExchangeBegin(const Image& image, std::span<const char> memory, const Image& nearest);
 // Leaves in `kept` what was there; `image` is not to be used any more. The address behind what was put back.
 char* ExchangeEnd(const Image& image, std::span<char> memory, const Image& nearest, Image& kept);
