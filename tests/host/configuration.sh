@@ -187,6 +187,38 @@ run --
 holds "the file that a link means is written" kept/mine.ini '^Key	= 2$'
 [ "$(ls kept)" = mine.ini ] || { echo "beside the linked file stays: $(ls kept)"; failures=1; }
 rm home/Quelmark.ini
+
+# What cannot be written leaves the file and the entry: at a limit of its length, in a folder and a file of somebody else (root may write
+# everywhere, so those runs are another user's).
+config 'Key = 1' "# $(printf '%4000s' .)"
+cp home/Quelmark.ini wanted.ini
+script 'Modelrc("Key", "2"); print("Key".Modelrc());'
+# refuses WHAT COMMAND…: the program, started by the command, says so.
+refuses() {
+    printed=$(MODELPATH=home "${@:2}" "$program" 2> errors.txt | iconv -f CP932 -t UTF-8)
+    status=0
+    errors=$(cat errors.txt)
+    is "$1" 0 "設定ファイルに書けません。
+1"
+    cmp -s wanted.ini home/Quelmark.ini || { echo "$1: the file changed"; failures=1; }
+    [ -e home/Quelmark.tmp ] && { echo "$1: the file beside it stays"; failures=1; }
+}
+refuses "at a limit" bash -c 'ulimit -f 2; exec "$0"'
+as_user=(env)
+[ "$(id -u)" -eq 0 ] && as_user=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+cp "$program" ./other-program
+chmod 755 . other-program
+(
+    program=./other-program
+    chmod 444 home/Quelmark.ini
+    chmod 777 home
+    refuses "a file that may not be written" "${as_user[@]}"
+    chmod 666 home/Quelmark.ini
+    chmod 555 home
+    refuses "a folder that may not be written" "${as_user[@]}"
+    exit $failures
+) || failures=1
+chmod 755 home
 config 'Key = 1'
 script 'print("x".Modelrc(5));'
 run --
