@@ -137,4 +137,12 @@ session 'polygons 0 FALSE []' <<EOF
 key KEY_F14
 close
 EOF
+exec 9>&-
+
+# Where nothing can be kept it is said at the start.
+rm .quelmark-*
+for slot in 1 2 3 4 5 6 7 8 9; do mkdir .quelmark-$slot.lock; done
+session '自動保存の控えが取れません。' <<EOF
+close
+EOF
 exit $failures
