@@ -120,7 +120,7 @@ std::int32_t StatusBarWidth(std::int32_t, std::int32_t, DataCell* argv) {
 }
 
 std::int32_t RendParameter(std::int32_t, std::int32_t, DataCell*) {
-    HostWindow().Deliver(0);  // a menu bar that has just come takes its room
+    HostWindow().Deliver(0);  // the window may have a new size already
     const PixelRect all = ViewsRect();
     const PixelRect views = HostWindow().NativeRect({all.left + RENDER_MARGIN, all.top + RENDER_MARGIN,
                                                      all.right - RENDER_MARGIN, all.bottom - RENDER_MARGIN});

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # sizes.sh QUELMARK SCALE: the window at 1 × 1 and at 8000 × 5000 pixels still works; in a window 300 wide the first field of the status bar is
-# seen and the fields that leave it no room are not; below the menu bar the views begin at once. SCALE is the screen's.
+# seen and the fields that leave it no room are not; the menu bar ends in one even edge, and below it the views begin at once. SCALE is
+# the screen's.
 set -u
 program=$(realpath "$1")
 export QT_SCALE_FACTOR=$2
@@ -10,6 +11,7 @@ function End() { Quit(); }
 KeyEvent(Show, "s");
 KeyEvent(End, "q");
 ("one".Menu("item", Show)).MenuPosition(0);
+("two".Menu("item", Show)).MenuPosition(1);
 StatusBarWidth(1, 30);
 StatusBarWidth(2, 8);
 "########".StatusBar();
@@ -20,6 +22,12 @@ column > colours
 # The bar, one or two tones of its lower edge, the views: the bar's own colour does not come again.
 [ "$(awk '{ print $2 }' colours | sort | uniq -d)" = "" ] || { fail "between the menu bar and the views:"; cat colours; }
 [ "$(tail -1 colours | cut -d' ' -f2)" = 646464 ] || { fail "the views do not follow the menu bar:"; cat colours; }
+
+bar=$(awk '$2 != "646464" { rows += $1 } END { print rows }' colours)
+for row in 4 3 2 1; do
+    tones=$(import -window root -depth 8 -crop "600x1+0+$((bar - row))" +repage -format %k info:)
+    [ "$tones" = 1 ] || fail "row $row of the menu bar, counted from below, has $tones tones"
+done
 
 xdotool mousemove 0 0  # where the window is, whatever its size
 number=0

@@ -57,10 +57,9 @@ void LayOut(QFileDialog& shown) {
     files->header()->hideSection(KIND);
     files->header()->setStretchLastSection(false);
     files->header()->setSectionResizeMode(NAME, QHeaderView::Stretch);
-    auto* cell = new FileCell(files);
     for (const Column column : {SIZE, TIME}) {
         files->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
-        files->setItemDelegateForColumn(column, cell);
+        files->setItemDelegateForColumn(column, new FileCell(files));
     }
 }
 

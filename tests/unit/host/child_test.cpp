@@ -4,6 +4,7 @@
 
 #include <chrono>
 
+#include "ML/ERROR.h"
 #include "host_fixture.h"
 #include "text/sjis.h"
 
@@ -32,6 +33,10 @@ TEST(CommandWords, TheSecondByteOfACharacterIsNothingElse) {
 
 class ChildTest : public HostTest {
   protected:
+    void SetUp() override {
+        HostTest::SetUp();
+        Write("t.qms", "function Refuse() { return 0; }\nLook();\n");
+    }
     void Program(const std::string& name, const std::string& body) {
         Write(name, "#!/bin/sh\n" + body + "\n");
         ::chmod((folder / name).c_str(), 0755);
@@ -70,6 +75,21 @@ TEST_F(ChildTest, WaitingEndsAfterItsTimeAndDeliversMessagesMeanwhile) {
         EXPECT_LT(passed, std::chrono::milliseconds(1500));
         EXPECT_GT(window.delivered, 2);
     });
+}
+
+TEST_F(ChildTest, TheCloseButtonLeavesTheWaitAndAHandlerThatRefusesDoesNot) {
+    EXPECT_EQ(Run([this] {
+                  PaneEvents.canClose = FunctionFind("Refuse");
+                  window.closeWanted = true;
+                  ChildStart("sleep 0.2", true);
+                  EXPECT_FALSE(window.closeWanted);
+                  EXPECT_FALSE(QuitFlag);
+                  PaneEvents.canClose = -1;
+                  window.closeWanted = true;
+                  EXPECT_THROW(ChildStart("sleep 3", true), ScriptAbort);
+                  EXPECT_TRUE(QuitFlag);
+              }),
+              0);
 }
 
 TEST_F(ChildTest, AChildThatFailsIsNoError) {
