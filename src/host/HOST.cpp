@@ -116,11 +116,12 @@ void EventLoop(const ExecMark& base) {
     while (!QuitFlag) {
         Guarded(base, [] {
             const bool come = InputStep(Waiting::EventLoop);
+            const std::int32_t wheel = Input.wheel;  // the key's handler may wait itself
             if (Input.keyCode != 0) {
                 DispatchKey();
             }
-            if (Input.wheel != 0) {
-                CallHandler(Handlers.wheel, {Input.wheel, Input.shift});
+            if (wheel != 0) {
+                CallHandler(Handlers.wheel, {wheel, Input.shift});
             }
             if (come) {
                 CallHandler(Handlers.input, {Input.shift});

@@ -270,10 +270,15 @@ bool InputStep(Waiting who) {
     if (Input.wheel != 0 && PaneWheel(Input.x, Input.y, Input.wheel)) {
         Input.wheel = 0;
     }
-    if (Input.keyCode >= MENU_CODE_FIRST && Input.keyCode < MENU_CODE_END) {
-        const std::int32_t command = Input.keyCode - MENU_CODE_FIRST;
+    // A handler may wait itself or set the key code; only what came with this step is left for the event
+    // loop.
+    const std::int32_t key = Input.keyCode;
+    const std::int32_t wheel = Input.wheel;
+    if (key >= MENU_CODE_FIRST && key < MENU_CODE_END) {
+        const std::int32_t command = key - MENU_CODE_FIRST;
         MenuPick(command / 256, command % 256);
         Input.keyCode = 0;
+        Input.wheel = wheel;
         return false;
     }
     if (pressSpent) {
@@ -281,10 +286,9 @@ bool InputStep(Waiting who) {
         return Mode.wait == 32 && Input.keyCode == 32;
     }
     if (ButtonHeld()) {
-        // A handler may set the key code; only a key that came with this step is left for the event loop.
-        const std::int32_t key = Input.keyCode;
         const bool used = HandlePress(!leftBefore && !rightBefore);
         Input.keyCode = used ? 0 : key;
+        Input.wheel = wheel;
         if (used) {
             return false;
         }
