@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # renderer.sh QUELMARK RENDERER SCALE: a program that is handed the text of RendParameter draws into exactly the views' area, less 12 pixels on
-# each side, of the window that the text names, below a menu bar too, at this scale of the screen; the next redraw shows the views again.
+# each side, of the window that the text names, below a menu bar too, at this scale of the screen; the next redraw shows the views again,
+# and the pointer is at the pixel where it is seen.
 set -u
 program=$(realpath "$1")
 PATH=$(dirname "$(realpath "$2")"):$PATH
@@ -22,6 +23,11 @@ function Again() {
     UpdateAll();
     print("again\n");
 }
+function Press() {
+    print("pressed", MouseX(), MouseY(), "\n");
+    return TRUE;
+}
+PressEvent(Press);
 KeyEvent(Render, "r");
 KeyEvent(AddMenu, "m");
 KeyEvent(Again, "u");'
@@ -53,5 +59,10 @@ bar=$(import -window root -depth 8 -crop "1x200+2+0" +repage rgb:- | od -An -v -
 [ "${bar:-1}" -gt 10 ] || fail "there is no menu bar"
 check $((bar - 1))
 [ "$(text | grep inline | tail -1)" = "$atOnce" ] || fail "the area below a new menu bar is told too late: $atOnce"
+for place in "101 201" "302 403" "555 306"; do
+    read -r x y <<< "$place"
+    xdotool mousemove "$x" "$y"; settle 0.2
+    xdotool click 1; printed "pressed $((x / scale)) $(((y - bar + 1) / scale))"
+done
 kill $window
 finish

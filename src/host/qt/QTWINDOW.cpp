@@ -275,7 +275,8 @@ void QtWindow::TakePlace(QPointF rounded) {
 }
 
 void QtWindow::TakeMouse(const QMouseEvent& event) {
-    pointer_ = event.scenePosition() - mapTo(window(), QPoint(0, 0));
+    // The scene is the native window, which is the client area's own once it has one.
+    pointer_ = event.scenePosition() - (internalWinId() != 0 ? QPoint() : mapTo(window(), QPoint(0, 0)));
     TakePlace(event.position());
     state_.left = (event.buttons() & Qt::LeftButton) != 0;
     state_.right = (event.buttons() & Qt::RightButton) != 0;
