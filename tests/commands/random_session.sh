@@ -6,6 +6,7 @@ set -u
 program=$(realpath "$1")
 turns=$2
 shift 2
+every=$((turns > 800 ? turns / 20 : 40))  # turns from one look back to the next
 here=$(realpath "$(dirname "$0")")
 # shellcheck source=prepare.sh
 . "$here/prepare.sh"
@@ -27,9 +28,9 @@ bound
 
 dialog_rows
 
-# session SEED: so many turns, a look back after every forty.
+# session SEED: so many turns, with looks back.
 session() {
-    paste rows free | awk -F '\t' -v seed="$1" -v turns="$turns" '
+    paste rows free | awk -F '\t' -v seed="$1" -v turns="$turns" -v every="$every" '
         # Of its own, so that a seed means the same session everywhere.
         function random(n) { seed = seed * 48271 % 2147483647; return int(seed / 65536) % n }
         function pick(list, a) { return a[random(split(list, a, " ")) + 1] }
@@ -62,7 +63,7 @@ session() {
         function key() {
             if (random(3) == 0) return pick("13 8 120 121 122 88 89 90 32774 9")
             key_ = 32 + random(95)
-            if (random(4) == 0) { do key_ = 1 + random(26); while (key_ ~ /^(14|15|17|19|23)$/ || (key_ > 24 && random(5))) }
+            if (random(4) == 0) { do key_ = 1 + random(26); while (key_ ~ /^(14|15|17|19|23)$/ || (key_ > 24 && random(9))) }
             else if (random(4) == 0) key_ = 32769 + random(10)
             else if (random(4) == 0) key_ = 32784 + random(30)
             return key_
@@ -96,16 +97,16 @@ session() {
             for (i = 0; i < 20; i++) random(2)
             for (turn = 1; turn <= turns; turn++) {
                 print "# turn " turn
-                if (random(2)) print "key " pick("a a a v j l h u")
+                if (random(4)) print "key " pick("a a a a a v j l h u")
                 what = random(20)
                 if (what < 12) item()
                 else if (what < 15) hand()
                 else if (what < 17) print "key " key() " " random(4)
                 else if (what < 18) print "wheel " place() " " random(9) - 4
-                else if (what < 19) for (i = random(4); i >= 0; i--) print "key " pick("26 26 25")
+                else if (what < 19) for (i = random(4); i >= 0; i--) print "key " pick("26 26 25 25")
                 else { width = 400 + random(1000); print "size " width " " 200 + random(900) }
                 print "mouse 200 200 0\nkey 27\nkey 27\nkey 27\nbutton 99\nkey KEY_F13"
-                if (turn % 40 == 0) print "key KEY_F14"
+                if (turn % every == 0) print "key KEY_F14"
             }
             print "size 1024 768\nkey KEY_F14"
         }'
@@ -134,7 +135,7 @@ for seed in "$@"; do
     readBack >> log
     awk '/^turn/ { turn = $2 } /^FAULT|Error|Fatal|Internal check/ { print "after turn " turn ": " $0 }' log > faults
     changes=$(sed -n '/^turn/s/.*changes \([0-9]*\).*/\1/p' log | tail -1)
-    if [ $status -ne 0 ] || [ -s faults ] || [ "$(grep -c '^turn' log)" != $((turns / 40 + 1)) ] ||
+    if [ $status -ne 0 ] || [ -s faults ] || [ "$(grep -c '^turn' log)" != $((turns / every + 1)) ] ||
         [ "${changes:-0}" -lt $((turns / 40)) ]; then
         echo "seed $seed, status $status:"
         cat errors faults
