@@ -55,6 +55,7 @@ void ChangeAll() {
 void ChangeOne() {
     PolygonTop()->attr ^= 1;
 }
+void ChangeNothing() {}
 
 // One step: what is done before it and is not timed, and what is.
 struct Step {
@@ -77,6 +78,9 @@ void RestoreNow() {
 }
 void CancelNow() {
     UndoCancel();
+}
+void EndNow() {
+    UndoEnd();
 }
 template <void (*Change)()>
 void Marked() {
@@ -102,9 +106,9 @@ void MarkedInWork() {
     MarkNow();
     Change();
 }
-template <void (*Change)()>
+template <void (*before)()>
 void Undone() {
-    MarkedTwice<Change>();
+    before();
     Undo();
 }
 
@@ -118,11 +122,14 @@ constexpr Step STEPS[] = {
     {"undo, all changed, in the middle of work", MarkedInWork<ChangeAll>, UndoNow},
     {"undo, one polygon changed", Marked<ChangeOne>, UndoNow},
     {"undo, all deleted", Marked<PolygonDelete>, UndoNow},
-    {"redo, all changed", Undone<ChangeAll>, RedoNow},
-    {"redo, one polygon changed", Undone<ChangeOne>, RedoNow},
+    {"redo, all changed", Undone<Marked<ChangeAll>>, RedoNow},
+    {"redo, all changed, the step before shared", Undone<MarkedTwice<ChangeAll>>, RedoNow},
+    {"redo, one polygon changed", Undone<Marked<ChangeOne>>, RedoNow},
     {"restore, all changed", Marked<ChangeAll>, RestoreNow},
     {"restore, one polygon changed", Marked<ChangeOne>, RestoreNow},
     {"cancel, all changed", MarkedTwice<ChangeAll>, CancelNow},
+    {"end, all changed", Marked<ChangeAll>, EndNow},
+    {"end, nothing changed", Marked<ChangeNothing>, EndNow},
 };
 
 unsigned seen = 0;  // what the copies hold, so that none is left out
