@@ -119,6 +119,11 @@ std::int32_t StatusBarWidth(std::int32_t, std::int32_t, DataCell* argv) {
     return NO_RESULT;
 }
 
+std::int32_t WindowTitle(std::int32_t, std::int32_t, DataCell* argv) {
+    HostWindow().SetTitle(TextOf(argv[0]));
+    return NO_RESULT;
+}
+
 std::int32_t RendParameter(std::int32_t, std::int32_t, DataCell*) {
     HostWindow().Deliver(0);  // the window may have a new size already
     const PixelRect all = ViewsRect();
@@ -152,6 +157,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"String", "StatusBar", StatusBar, Takes("StatusBar", {TYPE_OBJECT, TYPE_INT}, 1)},
     {"", "StatusBarWidth", StatusBarWidth, Takes("StatusBarWidth", {TYPE_INT, TYPE_INT})},
     {"", "RendParameter", RendParameter, Takes("RendParameter", {})},
+    {"String", "WindowTitle", WindowTitle, Takes("WindowTitle", {TYPE_OBJECT})},
 };
 
 }  // namespace

@@ -61,6 +61,7 @@ class Window {
     virtual void InvalidateFrame(const PixelRect& rect) = 0;
     // One of the 16 palette entries.
     virtual void SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t green, std::uint8_t blue) = 0;
+    // What stands behind the program's name in the window's title; "" leaves the name alone.
     virtual void SetTitle(std::string_view title) = 0;
     // The whole menu bar, from the left.
     virtual void SetMenu(const MenuTree& menus) = 0;

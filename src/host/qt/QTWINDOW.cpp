@@ -77,7 +77,7 @@ QtWindow::QtWindow(QtFrame& frame) : QWidget(&frame), frame_(frame) {
     setAttribute(Qt::WA_InputMethodEnabled);
     setMinimumSize(1, 1);
     frame.setAttribute(Qt::WA_AlwaysShowToolTips);
-    frame.setWindowTitle(QStringLiteral("Quelmark"));
+    QtWindow::SetTitle("");
     frame.setCentralWidget(this);
     frame.resize(1024, 768);
 }
@@ -377,7 +377,8 @@ void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t gre
 }
 
 void QtWindow::SetTitle(std::string_view title) {
-    frame_.setWindowTitle(ToText(title));
+    const QString name = QStringLiteral("Quelmark");
+    frame_.setWindowTitle(title.empty() ? name : name + " - " + ToText(title));
 }
 
 void QtWindow::LetGo() {
