@@ -37,6 +37,12 @@ is() {
     got=$(iconv -f CP932 -t UTF-8 printed | sed -n "s/^probe *$probes //p" | sed 's/ *$//')
     [ "$got" = "$1" ] || fail "wanted: $1, got: $got"
 }
+# titled WANTED: what the window's title tells of the model.
+titled() {
+    local got
+    got=$(xdotool getwindowname "$id")
+    [ "$got" = "Quelmark$1" ] || fail "titled: $got instead of Quelmark$1"
+}
 draw() {
     xdotool key p; settle
     for at in "200 500" "260 500" "260 560"; do xdotool mousemove $at; settle 0.1; xdotool click 1; settle 0.2; done
@@ -48,8 +54,10 @@ ended() { for _ in $(seq 100); do kill -0 $window 2>/dev/null || return; sleep 0
 
 begin
 asked 10 && fail "something is offered at the first start"
+titled ""
 draw
 is "polygons 1 edited TRUE []"
+titled " - （名前のないモデル） *"
 kept
 killed
 cp .quelmark-1.suf copy.suf
@@ -70,6 +78,7 @@ xdotool key ctrl+s
 asked || fail "no file is asked for"
 xdotool type --delay 20 "$folder/saved.suf"; xdotool key Return; settle 0.5
 is "polygons 1 edited FALSE [C:${folder//\//\\}\\saved.suf]"
+titled " - saved.suf"
 cmp saved.suf copy.suf || fail "the model is not as it was"
 [ -e .quelmark-1.suf ] && fail "the copy of a saved model is still there"
 draw
