@@ -75,6 +75,15 @@ std::int32_t Columns(std::string_view text) {
     return static_cast<std::int32_t>(text.size());
 }
 
+// The rows that the dialog was opened with, as far as they can hold anything, and those that hold something.
+std::int32_t RowsShown(const Dialog& dialog) {
+    std::int32_t count = std::clamp(dialog.rowCount, 0, DIALOG_ROWS);
+    for (const DialogRow& row : dialog.rows) {
+        count = std::max(count, row.row + 1);
+    }
+    return count;
+}
+
 }  // namespace
 
 std::vector<FileFilter> FileFilters(std::span<const std::string> texts) {
@@ -95,12 +104,13 @@ std::vector<FileFilter> FileFilters(std::span<const std::string> texts) {
 
 DialogLayout LayOutDialog(const Dialog& dialog, std::int32_t cw, std::int32_t lh) {
     DialogLayout layout;
+    layout.margin = 2 * cw;
     layout.width = 20 * cw;
-    layout.height = (lh + 2) * dialog.rowCount + 4 * lh;
+    layout.height = (lh + 2) * RowsShown(dialog) + 4 * lh;
     for (const DialogRow& row : dialog.rows) {
         layout.rowTop.push_back(lh + (lh + 2) * row.row);
         if (row.kind == RowKind::Message) {
-            layout.width = std::max(layout.width, Columns(row.label) * cw + 2 * cw + 3 * cw);
+            layout.width = std::max(layout.width, Columns(row.label) * cw + layout.margin + 3 * cw);
         }
     }
     std::int32_t buttons = 0;

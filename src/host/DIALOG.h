@@ -65,9 +65,11 @@ struct Dialog {
     bool telling = false;          // it is running
 };
 
-// Pixels, for a font of character width cw and line height lh.
+// The least that a dialog takes, in pixels, for characters cw wide and lines lh high. Under the rows three
+// lines are left for the buttons.
 struct DialogLayout {
     std::int32_t width = 0, height = 0;
+    std::int32_t margin = 0;                // left of the rows
     std::vector<std::int32_t> rowTop;       // of each row in Dialog::rows
     std::vector<std::int32_t> buttonWidth;  // of each button
 };

@@ -28,8 +28,8 @@ key 1; key Up; printed 'changed 0 -2'
 text | grep -qE 'changed 0 (1499|-31)$' && fail "a number outside the range has been taken"
 # Dragged far to the right; the number follows, so one less is one below the upper bound.
 eval "$(xdotool getwindowgeometry --shell "$dialog" | grep -E '^[XY]=')"
-xdotool mousemove $((X + 85)) $((Y + 24)) mousedown 1; settle 0.1
-for x in 100 200 800; do xdotool mousemove $((X + x)) $((Y + 24)); settle 0.1; done
+xdotool mousemove $((X + 92)) $((Y + 39)) mousedown 1; settle 0.1
+for x in 100 200 800; do xdotool mousemove $((X + x)) $((Y + 39)); settle 0.1; done
 xdotool mouseup 1
 printed 'changed 0 150'
 key Tab; key Down; printed 'changed 0 149' 2

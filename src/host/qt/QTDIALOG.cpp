@@ -203,7 +203,7 @@ constexpr int RESULT_BASE = 1000;
 QWidget* MakeButtons(QDialog& shown, const Dialog& dialog) {
     auto* buttons = new QWidget;
     auto* line = new QHBoxLayout(buttons);
-    line->setContentsMargins(0, 0, 0, 0);
+    line->addStretch();
     for (std::size_t i = 0; i < dialog.buttons.size(); ++i) {
         auto* button = new QPushButton(ToLabel(dialog.buttons[i].label));
         button->setAutoDefault(false);
@@ -212,15 +212,39 @@ QWidget* MakeButtons(QDialog& shown, const Dialog& dialog) {
         const int result = RESULT_BASE + dialog.buttons[i].result;
         QObject::connect(button, &QPushButton::clicked, &shown, [&shown, result] { shown.done(result); });
     }
+    line->addStretch();
     return buttons;
+}
+
+// Gives rows and buttons their places. A line is as high as the font, or as the highest control of the rows.
+void Place(const Dialog& dialog, QWidget& rows, const std::vector<QWidget*>& lines, QWidget& buttons) {
+    const QFontMetrics metrics(rows.font());
+    const int column = metrics.horizontalAdvance(QLatin1Char('0'));
+    int line = metrics.height();
+    int widest = 0;
+    for (const QWidget* one : lines) {
+        line = std::max(line, one->sizeHint().height());
+        widest = std::max(widest, one->sizeHint().width());
+    }
+    const DialogLayout layout = LayOutDialog(dialog, column, line);
+    const int width = std::max(layout.width, layout.margin + widest + 3 * column);
+    const int foot = 3 * line;
+    rows.setMinimumSize(width, layout.height - foot);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        lines[i]->setGeometry(layout.margin, layout.rowTop[i], width - layout.margin, line);
+    }
+    const QList<QPushButton*> all = buttons.findChildren<QPushButton*>();
+    for (qsizetype i = 0; i < all.size(); ++i) {
+        all[i]->setFixedWidth(layout.buttonWidth[static_cast<std::size_t>(i)]);
+    }
+    buttons.layout()->setContentsMargins(column, 0, column, 0);
+    buttons.setFixedHeight(foot);
 }
 
 // What the screen leaves for the rows, beside the window's frame and the buttons.
 QSize RoomForRows(const QDialog& shown, const QWidget& buttons) {
     const int title = 2 * shown.style()->pixelMetric(QStyle::PM_TitleBarHeight);
-    const QMargins margins = shown.layout()->contentsMargins();
-    const int taken = title + buttons.sizeHint().height() + 2 * shown.layout()->spacing();
-    return shown.screen()->availableSize().shrunkBy(margins) - QSize(0, taken);
+    return shown.screen()->availableSize() - QSize(0, title + buttons.height());
 }
 
 // Wide enough for the title and the title bar's own buttons.
@@ -240,14 +264,14 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
     shown.setFont(parent->font());
     auto* rows = new QWidget;
     rows->setFont(shown.font());
-    auto* lines = new QVBoxLayout(rows);
-    lines->setContentsMargins(0, 0, 0, 0);
     std::ranges::stable_sort(dialog.rows, {}, &DialogRow::row);
+    std::vector<QWidget*> lines;
     std::vector<TakeAnswer> answers;
     const auto take = [&answers] { std::ranges::for_each(answers, [](const TakeAnswer& one) { one(); }); };
     for (DialogRow& row : dialog.rows) {
-        auto* line = new QHBoxLayout;
-        lines->addLayout(line);
+        lines.push_back(new QWidget(rows));
+        auto* line = new QHBoxLayout(lines.back());
+        line->setContentsMargins(0, 0, 0, 0);
         answers.push_back(AddRow(*line, row, [take, &changed, &shown, number = row.row] {
             take();
             if (!changed(number)) {
@@ -260,8 +284,11 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
     if (auto* first = rows->findChild<QLineEdit*>()) {
         first->selectAll();  // what is typed takes its place, as in the fields that Tab reaches
     }
-    auto* whole = new QVBoxLayout(&shown);
     QWidget* buttons = MakeButtons(shown, dialog);
+    Place(dialog, *rows, lines, *buttons);
+    auto* whole = new QVBoxLayout(&shown);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->setSpacing(0);
     whole->addWidget(new QtRowArea(rows, RoomForRows(shown, *buttons)));
     whole->addWidget(buttons);
     shown.resize(shown.sizeHint().expandedTo({TitleWidth(shown), 0}));

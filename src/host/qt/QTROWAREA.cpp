@@ -16,7 +16,7 @@ QtRowArea::QtRowArea(QWidget* rows, QSize room) : room_(room) {
 }
 
 QSize QtRowArea::sizeHint() const {
-    const QSize rows = widget()->sizeHint();
+    const QSize rows = widget()->minimumSize();
     QSize size = rows;
     if (rows.height() > room_.height()) {
         size.rwidth() += verticalScrollBar()->sizeHint().width();

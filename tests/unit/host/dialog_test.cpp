@@ -65,6 +65,15 @@ TEST(DialogLayout, WidensToTheButtons) {
     EXPECT_EQ(layout.width, 256);
 }
 
+TEST(DialogLayout, HasRoomForEveryRowThatHoldsSomethingAndForNoMoreThanThereAre) {
+    Dialog dialog;
+    dialog.rowCount = -5;
+    dialog.rows = {Row(RowKind::Message, 4, "behind the last")};
+    EXPECT_EQ(LayOutDialog(dialog, 8, 16).height, 18 * 5 + 64);
+    dialog.rowCount = 2147483647;
+    EXPECT_EQ(LayOutDialog(dialog, 8, 16).height, 18 * DIALOG_ROWS + 64);
+}
+
 class DialogTest : public HostTest {};
 
 TEST_F(DialogTest, RowsHaveNoAnswerBeforeTheDialogHasRun) {
