@@ -346,6 +346,14 @@ class Drawing : public ScriptTest {
         matrix.row[3][0] += distance;
         return matrix;
     }
+    // A model in small views; every other one has extremes.
+    void BeginRound(int round) {
+        wild = round % 2 == 1;
+        MakeModel();
+        ViewInit();
+        ViewLayout(1 + Below(120), 1 + Below(120), 16);
+        ViewEnableDrawing(true);
+    }
     void MakeModel() {
         ModelExit();
         ModelInit(1 << 16, 8, 8, 20);
@@ -472,11 +480,7 @@ TEST_F(Drawing, ExtremesAreDrawnLikeAPlainPicture) {
 TEST_F(Drawing, BandsDrawnTwiceAndTheHiddenCursorLeaveNoTrace) {
     withEveryFlag = true;
     for (int round = 0; round < 300; ++round) {
-        wild = round % 2 == 1;
-        MakeModel();
-        ViewInit();
-        ViewLayout(1 + Below(120), 1 + Below(120), 16);
-        ViewEnableDrawing(true);
+        BeginRound(round);
         std::vector<Band> bands;
         CursorShow(true);
         for (int step = 0; step < 8; ++step) {
@@ -533,11 +537,7 @@ TEST_F(Drawing, NoPixelChangesOutsideTheRectanglesThatTheHostIsToldOf) {
     withEveryFlag = true;
     ViewSetDamageHook(Tell);
     for (int round = 0; round < 300; ++round) {
-        wild = round % 2 == 1;
-        MakeModel();
-        ViewInit();
-        ViewLayout(1 + Below(120), 1 + Below(120), 16);
-        ViewEnableDrawing(true);
+        BeginRound(round);
         for (int step = 0; step < 30; ++step) {
             auto expected = Shown();
             told.clear();
