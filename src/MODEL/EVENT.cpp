@@ -102,6 +102,11 @@ std::int32_t DropEvent(std::int32_t, std::int32_t argc, DataCell* argv) {
     return NO_RESULT;
 }
 
+std::int32_t ErrorEvent(std::int32_t, std::int32_t argc, DataCell* argv) {
+    SetAfterErrorHandler(argc > 0 ? argv[0].integer : -1);
+    return NO_RESULT;
+}
+
 std::int32_t FirstCharacter(const DataCell& cell) {
     if (!IsString(cell)) {
         RuntimeError("%d 番目の引数の型が不正です。( %s )"_sjis, 1, "CallKeyEvent");
@@ -134,6 +139,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "WheelEvent", SetHandler<&InputHandlers::wheel>, Takes("WheelEvent", {TYPE_FUNC})},
     {"", "TimedEvent", TimedEvent},
     {"", "DropEvent", DropEvent, Takes("DropEvent", {TYPE_FUNC}, 0)},
+    {"", "ErrorEvent", ErrorEvent, Takes("ErrorEvent", {TYPE_FUNC}, 0)},
 };
 
 }  // namespace

@@ -114,7 +114,7 @@ bool Guarded(const ExecMark& base, Pass pass) {
 
 void EventLoop(const ExecMark& base) {
     while (!QuitFlag) {
-        Guarded(base, [] {
+        const bool done = Guarded(base, [] {
             const bool come = InputStep(Waiting::EventLoop);
             const std::int32_t wheel = Input.wheel;  // the key's handler may wait itself
             if (Input.keyCode != 0) {
@@ -128,6 +128,9 @@ void EventLoop(const ExecMark& base) {
             }
             LoopEventCall();
         });
+        if (!done && !QuitFlag) {
+            Guarded(base, ErrorEventCall);
+        }
     }
 }
 

@@ -18,6 +18,7 @@ std::int32_t timedHandler = -1;
 std::uint32_t interval = 0;
 std::uint32_t lastCall = 0;
 std::int32_t dropHandler = -1;
+std::int32_t errorHandler = -1;
 std::deque<std::string> dropped;
 
 void CallDropHandler(const std::string& hostPath) {
@@ -56,7 +57,7 @@ bool Held() {
 }  // namespace
 
 void LoopEventsReset() {
-    timedHandler = dropHandler = -1;
+    timedHandler = dropHandler = errorHandler = -1;
     dropped.clear();
 }
 
@@ -68,6 +69,10 @@ void SetTimedHandler(std::int32_t handler, std::int32_t milliseconds) {
 
 void SetDropHandler(std::int32_t handler) {
     dropHandler = handler;
+}
+
+void SetAfterErrorHandler(std::int32_t handler) {
+    errorHandler = handler;
 }
 
 bool DropWanted() {
@@ -106,6 +111,10 @@ void LoopEventCall() {
         CallDropHandler(path);
     }
     TimedEventCall();
+}
+
+void ErrorEventCall() {
+    CallHandler(errorHandler, {});
 }
 
 }  // namespace quelmark
