@@ -69,6 +69,12 @@ std::int32_t WriteAttribute(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
+// All attributes in one file.
+std::int32_t WriteAttributes(std::int32_t, std::int32_t, DataCell* argv) {
+    StackPushBool(IsString(argv[0]) && SaveBlock(NameOf(argv[0]), AttributesText(), FILE_OVERWRITE));
+    return RESULT;
+}
+
 // The whole model, or its selected part, in one shape file.
 std::int32_t WriteModel(std::int32_t, std::int32_t argc, DataCell* argv) {
     const bool selectedOnly = argc > 1 && argv[1].integer != 0;
@@ -126,6 +132,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "WriteFile", Write, Takes("WriteFile", {TYPE_INT, TYPE_INT}, 1)},
     {"", "ObjWriteFile", Write, Takes("ObjWriteFile", {TYPE_INT, TYPE_INT}, 1)},
     {"String", "AttrWriteFile", WriteAttribute, Takes("AttrWriteFile", {TYPE_OBJECT, TYPE_INT, TYPE_INT}, 2)},
+    {"String", "WriteAttributes", WriteAttributes, Takes("WriteAttributes", {TYPE_OBJECT})},
     {"String", "WriteModel", WriteModel, Takes("WriteModel", {TYPE_OBJECT, TYPE_FLAG}, 1)},
     {"Matrix", "WriteFrame", WriteFrame,
      Takes("WriteFrame", {TYPE_OBJECT, TYPE_OBJECT, TYPE_OBJECT, TYPE_OBJECT}, 3)},

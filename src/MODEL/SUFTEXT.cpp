@@ -174,6 +174,21 @@ bool AppendObject(std::string& text, std::string_view name, Polygons polygons) {
     return good;
 }
 
+// The attributes of these numbers, each as a block.
+template <typename Wanted>
+bool AppendAttributes(std::string& text, Wanted wanted) {
+    for (std::int32_t i = 0; i < AttributeCount; ++i) {
+        if (AttrTable[i].used != 0 && wanted(static_cast<std::size_t>(i))) {
+            const SufText attribute = AttributeText(AttrTable[i]);
+            if (!attribute) {
+                return false;
+            }
+            text += *attribute;
+        }
+    }
+    return true;
+}
+
 // What is appended to a file that begins with a UTF-8 byte order mark is read as UTF-8.
 SaveResult Append(std::string_view fileName, const std::string& text) {
     return SaveAppending(fileName, BeginsWithUtf8Mark(fileName) ? Cp932ToUtf8(text) : text);
@@ -212,6 +227,11 @@ SufText AttributeText(const AttributeRecord& attribute) {
     return text + "}\n";
 }
 
+SufText AttributesText() {
+    std::string text;
+    return AppendAttributes(text, [](std::size_t) { return true; }) ? SufText(std::move(text)) : SufText();
+}
+
 SufText ObjectText(std::string_view name) {
     std::vector<const PolygonRecord*> selected;
     ForEachPolygon([&selected](const PolygonRecord& polygon) {
@@ -238,14 +258,9 @@ SufText ModelText(bool selectedOnly) {
         }
     });
     std::string text;
-    for (std::int32_t i = 0; i < AttributeCount; ++i) {
-        if (AttrTable[i].used != 0 && (!selectedOnly || usesAttribute[static_cast<std::size_t>(i)])) {
-            const SufText attribute = AttributeText(AttrTable[i]);
-            if (!attribute) {
-                return {};
-            }
-            text += *attribute;
-        }
+    if (!AppendAttributes(text,
+                          [&](std::size_t attribute) { return !selectedOnly || usesAttribute[attribute]; })) {
+        return {};
     }
     for (std::int32_t i = 0; i < ObjectTableSize; ++i) {
         const auto& polygons = polygonsOf[static_cast<std::size_t>(i)];

@@ -18,6 +18,8 @@ namespace quelmark {
 using SufText = std::optional<std::string>;
 
 SufText AttributeText(const AttributeRecord& attribute);
+// Every attribute.
+SufText AttributesText();
 // The selected polygons, whatever their object, as a block of this name.
 SufText ObjectText(std::string_view name);
 // Every attribute, then every object with its own polygons; polygons whose number names no object are in a

@@ -15,18 +15,19 @@ fails() {
 # files FOLDER: a fresh folder with the files to be replaced and the script that saves more than 100 kB to each.
 files() {
     mkdir "$1"
-    printf 'BufferSize = 1024\nSourceFile = save.qms\n' > "$1/Quelmark.ini"
-    for name in object attribute model frame appended; do
+    printf 'BufferSize = 1024\nAttr = 1000\nSourceFile = save.qms\n' > "$1/Quelmark.ini"
+    for name in object attribute attributes model frame appended; do
         printf 'old %s' "$name" > "$1/$name.suf"
     done
     cat > "$1/save.qms" <<'S'
 var i;
 AttrAppend("r", 2);
+for (i = 1; i < 1000; i++) AttrAppend("a" + i, 2);
 ObjAppend("o", "object.suf");
 ObjAppend("p", "appended.suf");
 PolyVertexs(3);
 for (i = 0; i < 4000; i++) PolyAppend(1);
-print(WriteFile(0), WriteFile(1, FILE_APPEND), "model.suf".WriteModel(), AttrWriteFile("attribute.suf", 0), "\n");
+print(WriteFile(0), WriteFile(1, FILE_APPEND), "model.suf".WriteModel(), AttrWriteFile("attribute.suf", 0), "attributes.suf".WriteAttributes(), "\n");
 WriteFrame(UNIT_MATRIX, "frame.suf", "o");
 print("done");
 S
@@ -57,8 +58,8 @@ said() {
 # The small ones fit below the limit and are saved.
 files limit
 save limit bash -c 'ulimit -f 20; exec "$0"'
-said "at a limit" "0 0 FALSE 1 done"
-kept "at a limit" limit object appended model
+said "at a limit" "0 0 FALSE 1 FALSE done"
+kept "at a limit" limit object appended attributes model
 grep -q '^atr r {' limit/attribute.suf || fails "what fits below the limit is not saved"
 
 files nowhere
@@ -71,8 +72,8 @@ printed=$(MODELPATH=. "${as_user[@]}" ../quelmarkc 2>/dev/null | iconv -f CP932 
 status=$?
 cd ..
 refusal="ファイルがオープンできません"
-said "in a folder without permission" "$refusal $refusal $refusal 0 1 FALSE 0 フレームファイルが出力できません done"
-kept "in a folder without permission" nowhere object attribute model frame
+said "in a folder without permission" "$refusal $refusal $refusal $refusal 0 1 FALSE 0 FALSE フレームファイルが出力できません done"
+kept "in a folder without permission" nowhere object attribute attributes model frame
 
 # Where file systems may be mounted: a disk of 60 kB.
 mkdir disk
@@ -83,8 +84,8 @@ if mount -t tmpfs -o size=60k tmpfs disk 2>/dev/null; then
     printed=$(MODELPATH=. ../../disk-program 2>/dev/null | iconv -f CP932 -t UTF-8; exit "${PIPESTATUS[0]}")
     status=$?
     cd ../..
-    said "on a full disk" "0 0 FALSE 1 done"
-    kept "on a full disk" disk/full object appended model
+    said "on a full disk" "0 0 FALSE 1 FALSE done"
+    kept "on a full disk" disk/full object appended attributes model
     umount disk
 fi
 
