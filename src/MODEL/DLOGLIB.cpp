@@ -166,12 +166,9 @@ std::int32_t DlogSelect(std::int32_t, std::int32_t, DataCell* argv) {
 }
 
 std::int32_t DlogSlider(std::int32_t, std::int32_t argc, DataCell* argv) {
-    if (argc > 1 && !IsString(argv[1])) {
+    if (!IsString(argv[1])) {
         RuntimeError("%s", "2番目の引数の型が違います。(DlogSlider)"_sjis);
     }
-    const Signature signature =
-        Takes("DlogSlider", {TYPE_INT, TYPE_OBJECT, TYPE_INT, TYPE_INT, TYPE_INT, TYPE_INT}, 5);
-    ArgCheck(signature, argc, argv);
     const DataCell* numbers = argv + (argc == 6 ? 3 : 2);
     DialogRow row;
     row.kind = RowKind::Slider;
@@ -236,7 +233,8 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "DlogString", DlogString},
     {"", "DlogToggle", DlogToggle, Takes("DlogToggle", {TYPE_INT, TYPE_OBJECT, TYPE_OBJECT, TYPE_FLAG})},
     {"", "DlogSelect", DlogSelect, Takes("DlogSelect", {TYPE_INT, TYPE_OBJECT, TYPE_ARRAY, TYPE_INT})},
-    {"", "DlogSlider", DlogSlider},
+    {"", "DlogSlider", DlogSlider,
+     Takes("DlogSlider", {TYPE_INT, TYPE_ANY, TYPE_INT, TYPE_INT, TYPE_INT, TYPE_INT}, 5)},
     {"", "DlogEvent", DlogEvent, Takes("DlogEvent", {TYPE_FUNC}, 0)},
     {"", "DlogWait", DlogWait, Takes("DlogWait", {})},
     {"", "DlogAnswer", DlogAnswer, Takes("DlogAnswer", {TYPE_INT})},

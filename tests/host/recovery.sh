@@ -18,10 +18,10 @@ KeyEvent(crash, KEY_F15);
 S
 failures=0
 
-# session EXPECTED < events: one run of the editor.
+# session EXPECTED [FILE…] < events: one run of the editor with these files to open.
 session() {
     cat > events
-    HOME="$folder" QUELMARKINPUT=events "$program" > printed.txt 2> errors.txt
+    HOME="$folder" QUELMARKINPUT=events "$program" "${@:2}" > printed.txt 2> errors.txt
     printed=$(iconv -f CP932 -t UTF-8 printed.txt | sed 's/ *$//')
     if [ "$printed" != "$1" ]; then
         echo "wanted: $1"
@@ -83,6 +83,33 @@ button 1
 close
 EOF
 cmp before.suf box.suf || failures=1
+
+# The files to open are then not opened, which is said, but can be picked from the menu; the saved file itself is no other one.
+cp box.suf other.suf
+cp box.suf third.suf
+session '' <<EOF
+file box.suf
+key 15
+$box
+wait 60001
+key KEY_F15
+EOF
+session "控えを戻したので、次のファイルは開いていません。ファイルのメニューから開けます。
+other.suf
+missing.suf
+$folder/third.suf
+polygons 12 TRUE [$(realpath box.suf | sed 's|^|C:|; s|/|\\|g')]
+polygons 6 FALSE [$(realpath other.suf | sed 's|^|C:|; s|/|\\|g')]
+polygons 6 FALSE [$(realpath third.suf | sed 's|^|C:|; s|/|\\|g')]" other.suf box.suf missing.suf "$folder/third.suf" <<EOF
+button 2
+key KEY_F14
+button 1
+menu 0 9
+key KEY_F14
+menu 0 10
+key KEY_F14
+close
+EOF
 
 # Discarded.
 session '' <<EOF
