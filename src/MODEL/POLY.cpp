@@ -79,7 +79,7 @@ void VerifyLoaded() {
 
 }  // namespace
 
-void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t attributeCount,
+bool ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t attributeCount,
                std::int32_t maxVertex) {
     ModelExit();
     BufferInit(static_cast<std::size_t>(std::max(bufferBytes, 0)));
@@ -90,6 +90,7 @@ void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t 
     CurrentPolygon = static_cast<PolygonRecord*>(MemoryAlloc(sizeof(PolygonRecord) + vertexBytes));
     LoadedPolygon = nullptr;
     SelectCount = 0;
+    return BufTop != nullptr && AttrTable != nullptr && ObjTable != nullptr && CurrentPolygon != nullptr;
 }
 
 void ModelExit() {

@@ -56,8 +56,9 @@ extern std::int32_t SelectCount;  // records whose `select` is not 0
 extern std::uint32_t AttrRevision;
 extern std::uint32_t ObjRevision;
 
-// Counts beyond what a record's 16-bit words can name are cut to 32767.
-void ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t attributeCount,
+// Makes an empty model. Counts beyond what a record's 16-bit words can name are cut to 32767. False when the
+// heap has no room for its tables.
+bool ModelInit(std::int32_t bufferBytes, std::int32_t objectCount, std::int32_t attributeCount,
                std::int32_t maxVertex);
 void ModelExit();
 

@@ -47,7 +47,7 @@ std::int32_t ToNumber(const std::string& text) {
         std::clamp(std::strtol(text.c_str(), nullptr, 10), -2147483647L, 2147483647L));
 }
 
-// A number of the configuration: its place, the least and the most that the tables behind it can have.
+// A number of the configuration: its place, and the most that the tables behind it can have; the least is 0.
 struct NumberKey {
     std::string_view key;
     std::int32_t* place;
@@ -183,8 +183,8 @@ void StartUp(const CommandLine& commandLine, void (*registerLibraries)()) {
     MenuBarReset();
     DialogReset();
     ButtonsReset();
-    ModelInit(settings.bufferKilobytes * KILOBYTE, settings.objects, settings.attributes, settings.vertices);
-    if (BufTop == nullptr || AttrRevision == 0) {
+    if (!ModelInit(settings.bufferKilobytes * KILOBYTE, settings.objects, settings.attributes,
+                   settings.vertices)) {
         FatalError("%s", "メモリが確保できません。(ModelInit)"_sjis);
     }
     ViewInit();

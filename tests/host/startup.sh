@@ -91,6 +91,17 @@ grep -q 'Code Used  : 1 Kbytes' q.log && grep -q '^Stack Used : ' q.log && grep 
 printf 'print(2.5, atof("1.5"), sprintf("%%4.1f", 3.25));' > home/e.qms
 expect "a locale with a decimal comma changes no number" 0 "2.500000 1.500000  3.2" env MODELPATH=home LOCPATH="$locales" LC_ALL=de_DE.UTF-8 "$program"
 [ "$(LOCPATH="$locales" LC_ALL=de_DE.UTF-8 locale decimal_point)" = , ] || { echo "no locale with a comma"; failures=1; }
+# With as little memory as a small model takes (a sanitizer takes more than any limit here), one with large tables is refused.
+printf 'print("started");' > home/e.qms
+least=$(for kilobytes in $(seq 20000 5000 80000); do
+    (ulimit -v "$kilobytes" && MODELPATH=home "$program") > out.txt 2>/dev/null && grep -q started out.txt && echo "$kilobytes" && break
+done)
+for key in Attr Object BufferSize; do
+    printf '%s %d\nSourceFile = e.qms\n' "$key" "$([ $key = BufferSize ] && echo 1000000 || echo 32767)" > home/Quelmark.ini
+    [ -z "$least" ] || expect "no memory for the tables of $key is said" 1 "Fatal メモリが確保できません。(ModelInit)" \
+        env MODELPATH=home bash -c "ulimit -v $least; exec \"\$0\"" "$program"
+done
+printf 'SourceFile = e.qms\n' > home/Quelmark.ini
 mkdir 表
 printf 'obj suf a { atr x prim poly ( 0 0 0 1 0 0 0 1 0 ) }' > 表/能.suf
 printf 'print(ReadFile(GetArg(1)), ObjFile(0) == GetArg(1));' > home/e.qms
