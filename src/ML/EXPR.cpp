@@ -240,16 +240,13 @@ NestingGuard::~NestingGuard() {
 }
 
 Variable FindVariable(std::string_view name) {
-    Variable variable;
-    std::int32_t id = IdentFind(LocalNames(), name);
-    if (id >= 0) {
+    if (const std::int32_t id = IdentFind(LocalNames(), name); id >= 0) {
         return {true, true, IdentAttr(LocalNames(), id), id};
     }
-    id = IdentFind(GlobalNames(), name);
-    if (id >= 0) {
-        variable = {true, false, IdentAttr(GlobalNames(), id), id};
+    if (const std::int32_t id = IdentFind(GlobalNames(), name); id >= 0) {
+        return {true, false, IdentAttr(GlobalNames(), id), id};
     }
-    return variable;
+    return {};
 }
 
 NodeId VariableNode(const Variable& variable) {

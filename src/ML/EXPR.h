@@ -40,7 +40,7 @@ inline Node& NodeOf(NodeId id) {
     return Nodes[static_cast<std::size_t>(id)];
 }
 
-// A variable that a name means: a local, else a global; kind is Constant when there is none.
+// The variable that a name means: a local, else a global. Without `found` there is none.
 struct Variable {
     bool found = false;
     bool local = false;

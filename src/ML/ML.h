@@ -16,8 +16,8 @@ struct InterpreterSizes {
     std::int32_t stackCells = 1024;
 };
 
-// Start-up order: operator tables, constants, code buffer, identifier tables, classes, standard functions,
-// String, File. The value stack is allocated by ExecInit.
+// Makes function tables, constants, code buffer and global identifiers, and registers the standard functions
+// and the classes String and File. The value stack is allocated by ExecInit.
 void InterpreterInit(const InterpreterSizes& sizes);
 // Frees everything; Init may follow again (tests).
 void InterpreterExit();

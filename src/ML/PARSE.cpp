@@ -33,12 +33,12 @@ struct AssignRow {
 };
 constexpr AssignRow ASSIGNMENTS[] = {
     {SYM_ASSIGN, 0, STATEMENT_ASSIGN, true},
-    {SYM_ADD_ASSIGN, OP_ADD, static_cast<StatementKind>(23), true},
-    {SYM_SUBTRACT_ASSIGN, OP_SUBTRACT, static_cast<StatementKind>(24), true},
-    {SYM_MULTIPLY_ASSIGN, OP_MULTIPLY, static_cast<StatementKind>(25), true},
-    {SYM_DIVIDE_ASSIGN, OP_DIVIDE, static_cast<StatementKind>(26), true},
-    {SYM_AND_ASSIGN, OP_AND, static_cast<StatementKind>(27), true},
-    {SYM_OR_ASSIGN, OP_OR, static_cast<StatementKind>(28), true},
+    {SYM_ADD_ASSIGN, OP_ADD, STATEMENT_ADD_ASSIGN, true},
+    {SYM_SUBTRACT_ASSIGN, OP_SUBTRACT, STATEMENT_SUBTRACT_ASSIGN, true},
+    {SYM_MULTIPLY_ASSIGN, OP_MULTIPLY, STATEMENT_MULTIPLY_ASSIGN, true},
+    {SYM_DIVIDE_ASSIGN, OP_DIVIDE, STATEMENT_DIVIDE_ASSIGN, true},
+    {SYM_AND_ASSIGN, OP_AND, STATEMENT_AND_ASSIGN, true},
+    {SYM_OR_ASSIGN, OP_OR, STATEMENT_OR_ASSIGN, true},
     {SYM_INCREMENT, OP_INCREMENT, STATEMENT_INCREMENT, false},
     {SYM_DECREMENT, OP_DECREMENT, STATEMENT_DECREMENT, false},
 };
@@ -415,9 +415,6 @@ IdentTable* GlobalNames() {
 }
 IdentTable* LocalNames() {
     return localNames.get();
-}
-std::int32_t GlobalRoom() {
-    return globalRoom;
 }
 
 }  // namespace quelmark

@@ -7,8 +7,8 @@
 
 namespace quelmark {
 
-// Operator tables are checked, global identifiers made with room for `globals` names (at most 32767: a global
-// is a slot of the top-level frame).
+// Makes the table of global identifiers, with room for `globals` names (at most 32767: a global is a slot of
+// the top-level frame).
 void ParserInit(std::int32_t globals);
 void ParserExit();
 // Compiles the file that the scanner has opened, and drops its private names.
@@ -16,7 +16,6 @@ void ParseFile();
 
 IdentTable* GlobalNames();
 IdentTable* LocalNames();  // null at the top level
-std::int32_t GlobalRoom();
 
 // The top level as a function: its code runs on from where it stopped last time.
 struct TopLevelCode {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <deque>
 #include <new>
+#include <optional>
 #include <vector>
 
 #include "ML/ERROR.h"
@@ -31,6 +31,7 @@ const char* fileName = nullptr;
 std::deque<std::string> fileNames;  // kept: positions of compiled code point here
 std::vector<DataCell> literals;     // String constants of compiled code, each with one reference
 
+// In alphabetical order, which is that of Keyword.
 constexpr std::array<std::string_view, 12> KEYWORDS = {
     "break", "const", "continue", "do", "else", "for", "function", "if", "private", "return", "var", "while"};
 
@@ -102,7 +103,7 @@ int HexValue(std::int32_t character) {
 }
 
 std::int32_t CharAt(std::size_t position) {
-    return position < source.size() ? static_cast<unsigned char>(source[position]) : -1;
+    return position < source.size() ? static_cast<unsigned char>(source[position]) : END_OF_SOURCE;
 }
 
 void SkipBlanksAndComments() {

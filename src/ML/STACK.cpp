@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -93,7 +92,7 @@ std::uint32_t TakeHandle() {
     return static_cast<std::uint32_t>(handles.size() - 1);
 }
 
-// The place for one more cell on top, after the steps every push runs.
+// Raises the top by so many cells, with the checks that every push makes, and returns it.
 DataCell* Advance(std::int32_t cells) {
     StackPtr += cells;
     Check(StackPtr >= 0, "StackPtr >= 0");
