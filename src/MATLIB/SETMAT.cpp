@@ -1,7 +1,7 @@
 #include "MATLIB/SETMAT.h"
 
 #include <cmath>
-#include <cstdio>
+#include <string>
 
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"

@@ -1,6 +1,7 @@
 #include "MATLIB/SETVEC.h"
 
 #include <cmath>
+#include <string>
 
 #include "MATLIB/SETMAT.h"
 #include "ML/ERROR.h"

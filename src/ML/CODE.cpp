@@ -1,7 +1,7 @@
 #include "ML/CODE.h"
 
 #include <algorithm>
-#include <new>
+#include <exception>
 
 #include "ML/ERROR.h"
 #include "ML/SCAN.h"

@@ -5,7 +5,6 @@
 // and must hold nothing that only its own normal exit would free.
 #pragma once
 
-#include <string>
 #include <string_view>
 
 namespace quelmark {

@@ -1,7 +1,6 @@
 #include "ML/FUNC.h"
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>

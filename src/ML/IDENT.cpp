@@ -1,8 +1,9 @@
 #include "ML/IDENT.h"
 
 #include <algorithm>
-#include <cstring>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "ML/ERROR.h"
 #include "text/sjis.h"

@@ -222,14 +222,6 @@ ObjectBlock* StringNew(std::string_view text) {
     return block;
 }
 
-void StringSet(DataCell& cell, std::string_view text) {
-    const DataCell old = cell;
-    cell = ObjectCell(StringNew(text));
-    if (old.type == TYPE_OBJECT) {
-        ObjectRelease(ObjectOf(old));
-    }
-}
-
 void StackPushString(std::string_view text) {
     StackPushObject(StringNew(text));
 }

@@ -17,8 +17,6 @@ void StringRegister();
 ObjectBlock* StringAlloc(std::size_t length);
 // A String holding a copy of the text.
 ObjectBlock* StringNew(std::string_view text);
-// Releases the object a cell holds, if any, and makes the cell a new String.
-void StringSet(DataCell& cell, std::string_view text);
 // Pushes a new String.
 void StackPushString(std::string_view text);
 // text = text + value, in place: when `text` holds the only reference to a String and the value is a String

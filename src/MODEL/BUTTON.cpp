@@ -53,7 +53,7 @@ std::int32_t ButtonTip(std::int32_t, std::int32_t argc, DataCell* argv) {
     if (button != nullptr && argc > 1 && IsString(argv[1])) {
         button->tip = StringText(argv[1]);
     }
-    StackPushObject(StringNew(button != nullptr ? button->tip : ""));
+    StackPushString(button != nullptr ? button->tip : "");
     return RESULT;
 }
 

@@ -1,6 +1,4 @@
 // Script functions of selections, and the class Select.
-#include <algorithm>
-#include <bit>
 #include <cstring>
 #include <string>
 

@@ -1,7 +1,6 @@
 #include "MODEL/SYSLIB.h"
 
 #include <cstdio>
-#include <string>
 
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <string>
 
 #include "MATLIB/SETMAT.h"
 #include "ML/ERROR.h"

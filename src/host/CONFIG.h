@@ -2,7 +2,6 @@
 // request.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace quelmark {
@@ -14,7 +13,6 @@ inline constexpr std::int32_t DIALOG_ROWS = 30;
 inline constexpr std::size_t DIALOG_LABEL_BYTES = 15;
 inline constexpr std::size_t DIALOG_TEXT_BYTES = 1024;
 inline constexpr std::size_t FILE_DIALOG_BYTES = 512;
-inline constexpr std::int32_t DIALOG_BUTTON_ID = 565;  // the first button's control identifier
 
 // A filter of a file dialog: "形状ファイル(*.suf)" and "*.suf".
 struct FileFilter {

@@ -26,7 +26,6 @@ constexpr std::int32_t KILOBYTE = 1024;
 
 Window* window = nullptr;
 bool handlersInstalled = false;
-bool started = false;
 bool failed = false;         // an error has been reported
 bool askingToClose = false;  // the can-close handler is running
 bool errorKept = false;      // raised inside the window system, not yet in the wait step
@@ -140,7 +139,6 @@ void RunScripts() {
     ExecTopLevel();
     ViewEnableDrawing(true);
     ViewRedraw(WHOLE_AREA, true);
-    started = true;
     PanesRefresh();
     const ExecMark base = ExecTakeMark();
     const std::int32_t entry = FunctionFind("main");
@@ -205,7 +203,7 @@ int HostMain(Window& mainWindow, const std::string& programPath, const std::vect
              void (*registerLibraries)()) {
     std::signal(SIGXFSZ, SIG_IGN);  // a file at its limit is a write that fails, not the program's end
     window = &mainWindow;
-    handlersInstalled = started = askingToClose = errorKept = failed = false;
+    handlersInstalled = askingToClose = errorKept = failed = false;
     QuitFlag = false;
     LogOpen(programPath);
     SetOutputSink(OutputWrite);

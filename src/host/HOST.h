@@ -1,10 +1,8 @@
 // The program's spine: the whole run, the event loop, errors, shut-down.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "host/WINDOW.h"

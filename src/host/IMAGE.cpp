@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <string_view>
-#include <vector>
 
 #include "host/PALETTE.h"
 #include "view/VIEW.h"

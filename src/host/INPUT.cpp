@@ -1,9 +1,9 @@
 #include "host/INPUT.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdio>
+#include <string>
 #include <utility>
 
 #include "ML/ERROR.h"

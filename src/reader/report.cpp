@@ -109,7 +109,7 @@ std::int32_t Report(std::span<const Message> table, std::int32_t code, std::stri
 }  // namespace
 
 std::int32_t ReaderReport(std::string_view text, std::int32_t severity) {
-    ReaderFail(severity);
+    ReaderSeverity = std::max(ReaderSeverity, severity);
     // What ends the read is always told.
     if (severity < SEVERITY_END && ++messages > MESSAGES_MOST) {
         return severity;
@@ -136,10 +136,6 @@ std::int32_t AttributeReport(std::int32_t code, std::string_view argument) {
 
 std::int32_t ScannerReport(std::int32_t code, std::string_view argument) {
     return Report(SCANNER_MESSAGES, code, argument);
-}
-
-void ReaderFail(std::int32_t severity) {
-    ReaderSeverity = std::max(ReaderSeverity, severity);
 }
 
 void ReaderBegin() {

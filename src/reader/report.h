@@ -59,8 +59,6 @@ std::int32_t ReaderReport(std::string_view text, std::int32_t severity);
 
 // The worst severity since ReaderBegin.
 extern std::int32_t ReaderSeverity;
-// Raises it without a message: the fault has been reported elsewhere.
-void ReaderFail(std::int32_t severity);
 // A read begins: no fault yet. At its end the number of messages that were held back is shown: a file shows
 // 200.
 void ReaderBegin();

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 
 #include "text/cp932.h"
 

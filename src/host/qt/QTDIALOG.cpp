@@ -18,7 +18,6 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "host/qt/QTFILEDIALOG.h"

@@ -3,7 +3,6 @@
 
 #include <QMainWindow>
 #include <functional>
-#include <string_view>
 
 #include "host/MENUBAR.h"
 

@@ -1,7 +1,6 @@
 // The same program must do the same whatever instruction forms the compiler finds for it: random expressions
 // and loops are written with literals, with globals, with locals, with elements and through calls, and
 // compared.
-#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>

@@ -3,7 +3,6 @@
 
 #include <fstream>
 #include <string>
-#include <vector>
 
 #include "ML/FUNC.h"
 #include "ML/STRING.h"
