@@ -78,7 +78,8 @@ std::int32_t CursorToVector(std::int32_t, std::int32_t, DataCell* argv) {
     return RESULT;
 }
 
-// Stores a pane point's place in the perspective view, from its middle, as 16.16 fractions of its width.
+// Stores a pane point's place in the perspective view, from its middle, as 16.16 fractions of its width;
+// those that 32 bits do not hold are the largest numbers.
 void StorePers2D(const DataCell& array, PanePoint p) {
     if (ArrayCount(array) < 2) {
         RuntimeError("%s", "引数配列のサイズが不正です。( Get2DCursor )"_sjis);
@@ -86,7 +87,9 @@ void StorePers2D(const DataCell& array, PanePoint p) {
     const ViewRecord& view = Views[ViewIndex(WIN_PERS)];
     const std::int64_t width = view.width > 0 ? view.width : 1;
     const auto fraction = [width](std::int64_t pixels) {
-        return static_cast<std::int32_t>(pixels * 65536 / width);
+        constexpr std::int64_t FRACTION_MOST = 2147483647, PIXELS_MOST = FRACTION_MOST << 16;
+        const std::int64_t near = std::clamp(pixels, -PIXELS_MOST, PIXELS_MOST);
+        return static_cast<std::int32_t>(std::clamp(near * 65536 / width, -FRACTION_MOST, FRACTION_MOST));
     };
     DataCell* elements = ArrayElements(array);
     CellAssign(elements[0], IntCell(fraction(p.x - view.left - view.width / 2)));

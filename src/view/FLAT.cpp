@@ -14,7 +14,7 @@ constexpr std::int64_t GRID_LEAST_PIXELS = 2;
 // One view: the axes it shows and where they land, and the coordinates on these axes that lie within it; on
 // the others, and for the other words of a vertex, everything does.
 struct FlatView {
-    PixelRect clip;
+    PixelRect rect, clip;  // the view, and what of it lies on the pane
     std::int32_t centreX, centreY;
     int right, up;  // axes
     Words low{}, high{};
@@ -205,9 +205,10 @@ bool CanShow(const PolygonRecord& polygon, const FlatView& view) {
 
 // Lines at every multiple of the spacing on one axis of a view.
 void DrawGridLines(const FlatView& view, int axis, bool vertical) {
-    const PixelRect inner{view.clip.left + GRID_MARGIN, view.clip.top + GRID_MARGIN,
-                          view.clip.right - GRID_MARGIN, view.clip.bottom - GRID_MARGIN};
-    if (IsEmpty(inner)) {
+    const PixelRect inner{view.rect.left + GRID_MARGIN, view.rect.top + GRID_MARGIN,
+                          view.rect.right - GRID_MARGIN, view.rect.bottom - GRID_MARGIN};
+    const PixelRect shown = Intersection(inner, view.clip);
+    if (IsEmpty(shown)) {
         return;
     }
     const std::int64_t spacing = ViewState.gridSpacing;
@@ -226,14 +227,19 @@ void DrawGridLines(const FlatView& view, int axis, bool vertical) {
         const std::int64_t at = vertical ? view.centreX + offset : view.centreY - offset;
         const PanePoint a = vertical ? PanePoint{at, inner.top} : PanePoint{inner.left, at};
         const PanePoint b = vertical ? PanePoint{at, inner.bottom - 1} : PanePoint{inner.right - 1, at};
-        DrawLine(ViewFrame, inner, a, b, COLOUR_GRID);
+        DrawLine(ViewFrame, shown, a, b, COLOUR_GRID);
     }
 }
 
 FlatView FlatViewOf(std::int32_t bit) {
     const ViewRecord& record = Views[ViewIndex(bit)];
-    return {Intersection(record.Rect(), ViewFrame.Bounds()), record.centreX, record.centreY,
-            bit == WIN_YZ ? 1 : 0, bit == WIN_XY ? 1 : 2};
+    const PixelRect rect = record.Rect();
+    return {rect,
+            Intersection(rect, ViewFrame.Bounds()),
+            record.centreX,
+            record.centreY,
+            bit == WIN_YZ ? 1 : 0,
+            bit == WIN_XY ? 1 : 2};
 }
 
 }  // namespace

@@ -120,7 +120,9 @@ bool EyePointAt(std::int32_t x, std::int32_t y, const ModelPoint& depth, double 
         return false;
     }
     const double scale = eyeX / ViewState.focalDistance;
-    const double eye[3] = {eyeX, (Views[3].centreX - x) * scale, (Views[3].centreY - y) * scale};
+    const double left = static_cast<double>(Views[3].centreX) - x,
+                 up = static_cast<double>(Views[3].centreY) - y;
+    const double eye[3] = {eyeX, left * scale, up * scale};
     for (int axis = 0; axis < 3; ++axis) {
         point[axis] = Applied(eye, ViewState.perspectiveInverse, axis);
         if (!ViewState.converting) {
@@ -303,14 +305,13 @@ ModelPoint ViewPointIn(std::int32_t view, std::int32_t x, std::int32_t y, const 
         const ModelPoint p = Unconverted(point);
         return {Snapped(p.x, snap), Snapped(p.y, snap), Snapped(p.z, snap)};
     }
-    const auto place = [snap](std::int32_t pixels, std::int32_t centre) {
-        const double units =
-            std::trunc(static_cast<double>(pixels) * ViewState.denominator / ViewState.numerator);
+    const auto place = [snap](double pixels, std::int32_t centre) {
+        const double units = std::trunc(pixels * ViewState.denominator / ViewState.numerator);
         const double value = centre + units;
         return static_cast<double>(Snapped(ViewState.converting ? Limit(value) : InRange(value), snap));
     };
-    const std::int32_t right = x - record.centreX;
-    const std::int32_t up = record.centreY - y;
+    const double right = static_cast<double>(x) - record.centreX;
+    const double up = static_cast<double>(record.centreY) - y;
     const ModelPoint& c = ViewState.centre;
     point[view == WIN_YZ ? 1 : 0] = place(right, view == WIN_YZ ? c.y : c.x);
     point[view == WIN_XY ? 1 : 2] = place(up, view == WIN_XY ? c.y : c.z);
