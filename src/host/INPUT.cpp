@@ -96,6 +96,7 @@ struct KeptKey {
 };
 KeptKey keptKey;
 bool pressSpent = false;
+bool pressOfViews = false;  // the one that is held, which the press handler was told
 
 std::uint32_t pulseTime = 0;
 std::int32_t pulseIndex = 0;
@@ -151,14 +152,17 @@ InputState TakeWindowInput() {
     return taken;
 }
 
-// A button is down: panes, then the script's press handler. True when the press has been used up.
+// A button is down: panes, then the script's press handler. True when the press has been used up. What the
+// press handler was told is a drag of the views until the release, wherever the pointer goes.
 bool HandlePress(bool fresh) {
-    if (PanePress(Input.x, Input.y)) {
+    pressOfViews = pressOfViews && !fresh;
+    if (!pressOfViews && PanePress(Input.x, Input.y)) {
         return true;
     }
     if (!fresh || Handlers.press < 0) {
         return false;
     }
+    pressOfViews = true;
     const std::int32_t button = Input.left ? 1 : 2;
     return CallHandler(Handlers.press, {button, Input.shift});
 }
@@ -177,6 +181,7 @@ void HandlersReset() {
     Mode = WaitMode{};
     keptKey = KeptKey{};
     pressSpent = false;
+    pressOfViews = false;
     pulseIndex = 0;
     pulseTime = HostWindow().Milliseconds();
 }
