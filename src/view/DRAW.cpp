@@ -25,13 +25,16 @@ void Prepare(std::int32_t mask) {
     PersPrepare(mask);
 }
 
-void DrawPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks) {
-    if ((drawn & WIN_ORTHOGRAPHIC) != 0) {
-        FlatPolygon(polygon, colour, marks);
+void DrawPolygon(const PolygonRecord& polygon, unsigned seen, std::uint8_t colour, Marks marks) {
+    if (seen != 0) {
+        FlatPolygon(polygon, seen, colour, marks);
     }
     if ((drawn & WIN_PERS) != 0) {
         PersPolygon(polygon, colour, marks);
     }
+}
+void DrawPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks) {
+    DrawPolygon(polygon, FlatSees(polygon), colour, marks);
 }
 
 std::uint8_t AttributeColour(std::int16_t attribute) {
@@ -54,14 +57,16 @@ void DrawModel() {
         DrawInvisiblePolygons();
     }
     selected.clear();
+    const bool perspective = (drawn & WIN_PERS) != 0;
     for (PolygonRecord* polygon = PolygonTop(); polygon != nullptr; polygon = PolygonNext(polygon)) {
-        if ((polygon->flags & POLYGON_INVISIBLE) != 0) {
+        const unsigned seen = FlatSees(*polygon);
+        if ((polygon->flags & POLYGON_INVISIBLE) != 0 || (seen == 0 && !perspective)) {
             continue;
         }
         if (polygon->select != 0) {
             selected.push_back(polygon);
         } else {
-            DrawPolygon(*polygon, AttributeColour(polygon->attr), Marks::AsSet);
+            DrawPolygon(*polygon, seen, AttributeColour(polygon->attr), Marks::AsSet);
         }
     }
     for (const PolygonRecord* polygon : selected) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 
 namespace quelmark {
 namespace {
@@ -11,13 +10,11 @@ namespace {
 constexpr std::int32_t GRID_MARGIN = 12;
 constexpr std::int64_t GRID_LEAST_PIXELS = 2;
 
-// One view: the axes it shows and where they land, and the coordinates on these axes that lie within it; on
-// the others, and for the other words of a vertex, everything does.
+// One view: the axes it shows and where they land.
 struct FlatView {
     PixelRect rect, clip;  // the view, and what of it lies on the pane
     std::int32_t centreX, centreY;
     int right, up;  // axes
-    Words low{}, high{};
 };
 
 enum class Path {
@@ -30,8 +27,7 @@ constexpr std::int32_t CENTRE_NEAR = 1 << 20;
 constexpr std::int32_t ENLARGE_MOST = 100;     // (2^20 + 2^15) · 100 < 2^28
 constexpr std::int32_t REDUCE_MOST = 1 << 21;  // beyond it every near coordinate becomes 0
 
-FlatView views[3];
-int viewCount = 0;
+FlatView views[3];  // of which FlatShown tells the number
 bool marking = false;
 Path path = Path::Careful;
 Lanes factor{};
@@ -39,13 +35,6 @@ Floats inverse{};
 
 Lanes centre[3];                               // on each axis
 std::int64_t pixels[3][VERTEX_LIMIT + LANES];  // of one polygon, on each axis, from the views' centres
-
-Words Least(Words a, Words b) {
-    return a < b ? a : b;
-}
-Words Most(Words a, Words b) {
-    return a > b ? a : b;
-}
 
 bool IsNear(const ModelPoint& point) {
     const auto near = [](std::int32_t value) { return -CENTRE_NEAR < value && value < CENTRE_NEAR; };
@@ -59,34 +48,37 @@ Floats RoundedUpInverse(std::int32_t divisor) {
     return Floats{up, up, up, up};
 }
 
-// The first coordinate that lands at a distance in pixels from the centre or beyond; one more than the
-// greatest when none does.
-std::int32_t FirstAt(std::int64_t distance, int axis) {
-    std::int32_t first = INT16_MIN, end = INT16_MAX + 1;
-    while (first < end) {
-        const std::int32_t middle = first + (end - first) / 2;
-        if (ViewScaled(middle, axis) >= distance) {
-            end = middle;
-        } else {
-            first = middle + 1;
-        }
+// a / b toward minus infinity; b above 0.
+std::int64_t FloorDivide(std::int64_t a, std::int64_t b) {
+    return a / b - (a % b < 0 ? 1 : 0);
+}
+
+// The first coordinate that lands at a distance in pixels from the centre or beyond. Quotients are truncated:
+// on the near side of the centre all that are more than one pixel less count.
+std::int64_t FirstAt(std::int64_t distance, int axis) {
+    const std::int64_t numerator = ViewState.numerator, denominator = ViewState.denominator;
+    const std::int64_t from = distance > 0 ? -FloorDivide(-distance * denominator, numerator)
+                                           : FloorDivide((distance - 1) * denominator, numerator) + 1;
+    return centre[axis][0] + from;
+}
+
+// The coordinates that land on [from, to] pixels from the centre, as far as a vertex can have them.
+void PrepareRange(FlatRange& range, int axis, std::int64_t from, std::int64_t to) {
+    const auto limit = [](std::int64_t value) {
+        return static_cast<std::int16_t>(std::clamp<std::int64_t>(value, INT16_MIN, INT16_MAX));
+    };
+    range.low[axis] = limit(FirstAt(from, axis));
+    range.high[axis] = limit(FirstAt(to + 1, axis) - 1);
+}
+
+// Where everything may be seen, what is not is found when it is drawn.
+FlatRange RangeOf(const FlatView& view, bool everything) {
+    FlatRange range{Position{} + INT16_MIN, Position{} + INT16_MAX};
+    if (!everything) {
+        PrepareRange(range, view.right, view.clip.left - view.centreX, view.clip.right - 1 - view.centreX);
+        PrepareRange(range, view.up, view.centreY - view.clip.bottom + 1, view.centreY - view.clip.top);
     }
-    return first;
-}
-
-// The coordinates that land on [from, to] pixels from the centre; when there are none, a range that nothing
-// lies in.
-void PrepareRange(FlatView& view, int axis, std::int64_t from, std::int64_t to) {
-    const std::int32_t low = FirstAt(from, axis), high = FirstAt(to + 1, axis) - 1;
-    view.low[axis] = static_cast<std::int16_t>(std::min(low, INT16_MAX));
-    view.high[axis] = static_cast<std::int16_t>(low > INT16_MAX ? INT16_MIN : std::max(high, INT16_MIN));
-}
-
-void PrepareRanges(FlatView& view) {
-    view.low = Words{} + INT16_MIN;
-    view.high = Words{} + INT16_MAX;
-    PrepareRange(view, view.right, view.clip.left - view.centreX, view.clip.right - 1 - view.centreX);
-    PrepareRange(view, view.up, view.centreY - view.clip.bottom + 1, view.centreY - view.clip.top);
+    return range;
 }
 
 PanePoint ToPane(const ModelPoint& p, const FlatView& view) {
@@ -141,64 +133,33 @@ void ScaleAll(const PolygonRecord& polygon) {
     }
 }
 
-// True when something of a polygon of any number of vertices can lie in a view.
-bool CanShow(const PolygonRecord& polygon, const FlatView& view) {
-    if (path == Path::Careful) {
-        return true;
-    }
-    Words least = WordsOf(polygon.vertex[0]), most = least;
-    for (const VertexRecord& vertex : polygon.Vertices().subspan(1)) {
-        least = Least(least, WordsOf(vertex));
-        most = Most(most, WordsOf(vertex));
-    }
-    return !Any((most < view.low) | (least > view.high));
-}
-
 // Any number of vertices and any setting.
-[[gnu::noinline]] void DrawOutline(const PolygonRecord& polygon, std::uint8_t colour, bool marked) {
+void DrawOutline(const PolygonRecord& polygon, unsigned seen, std::uint8_t colour) {
     const std::int32_t count = polygon.vers;
-    bool ready = false;
-    for (int i = 0; i < viewCount; ++i) {
+    ScaleAll(polygon);
+    for (int i = 0; i < FlatShown.views; ++i) {
         const FlatView& view = views[i];
-        if (CanShow(polygon, view)) {
-            if (!ready) {
-                ScaleAll(polygon);
-                ready = true;
-            }
-            const std::int64_t* const right = pixels[view.right];
-            const std::int64_t* const up = pixels[view.up];
-            PanePoint previous{view.centreX + right[count - 1], view.centreY - up[count - 1]};
-            for (std::int32_t k = 0; k < count; ++k) {
-                const PanePoint next{view.centreX + right[k], view.centreY - up[k]};
-                DrawLine(ViewFrame, view.clip, previous, next, colour);
-                previous = next;
-            }
-        }
-        if (marked) {
-            DrawMarks(polygon, view, colour);
+        const std::int64_t* const right = pixels[view.right];
+        const std::int64_t* const up = pixels[view.up];
+        PanePoint previous{view.centreX + right[count - 1], view.centreY - up[count - 1]};
+        for (std::int32_t k = 0; (seen >> i & 1U) != 0 && k < count; ++k) {
+            const PanePoint next{view.centreX + right[k], view.centreY - up[k]};
+            DrawLine(ViewFrame, view.clip, previous, next, colour);
+            previous = next;
         }
     }
 }
 
-// Up to four vertices, between two corners of a box, by a fast path in the views that can show something of
-// them, one bit each.
-[[gnu::noinline]] void DrawQuads(const PolygonRecord& polygon, Words least, Words most, unsigned showing,
-                                 std::uint8_t colour, bool marked) {
+// Up to four vertices by a fast path.
+void DrawQuads(const PolygonRecord& polygon, unsigned seen, std::uint8_t colour) {
     const AxisLanes lanes(Corners(polygon.vertex, polygon.vers));
     const Lanes scaled[3] = {Scaled(lanes.axis[0], centre[0]), Scaled(lanes.axis[1], centre[1]),
                              Scaled(lanes.axis[2], centre[2])};
-    for (int i = 0; i < viewCount; ++i) {
+    for (int i = 0; i < FlatShown.views; ++i) {
         const FlatView& view = views[i];
-        if ((showing >> i & 1U) != 0) {
-            const Lanes x = view.centreX + scaled[view.right], y = view.centreY - scaled[view.up];
-            if (!Any((least < view.low) | (most > view.high))) {
-                DrawQuadInside(ViewFrame, x, y, colour);
-            } else {
-                DrawQuad(ViewFrame, view.clip, x, y, colour);
-            }
-        }
-        if (marked) {
-            DrawMarks(polygon, view, colour);
+        if ((seen >> i & 1U) != 0) {
+            DrawQuad(ViewFrame, view.clip, view.centreX + scaled[view.right], view.centreY - scaled[view.up],
+                     colour);
         }
     }
 }
@@ -244,13 +205,9 @@ FlatView FlatViewOf(std::int32_t bit) {
 
 }  // namespace
 
+FlatRanges FlatShown;
+
 void FlatPrepare(std::int32_t mask) {
-    viewCount = 0;
-    for (std::int32_t bit = WIN_XY; bit <= WIN_ZX; bit <<= 1) {
-        if ((mask & bit) != 0 && !IsEmpty(FlatViewOf(bit).clip)) {
-            views[viewCount++] = FlatViewOf(bit);
-        }
-    }
     marking = (ViewState.visibleVertex | ViewState.visibleVector | ViewState.visiblePolyVector) != 0;
     const bool simple = !ViewState.converting && IsNear(ViewState.centre);
     path = Path::Careful;
@@ -264,8 +221,13 @@ void FlatPrepare(std::int32_t mask) {
     centre[0] = Every(ViewState.centre.x);
     centre[1] = Every(ViewState.centre.y);
     centre[2] = Every(ViewState.centre.z);
-    if (path != Path::Careful) {
-        std::for_each(views, views + viewCount, PrepareRanges);
+    FlatShown.views = 0;
+    for (std::int32_t bit = WIN_XY; bit <= WIN_ZX; bit <<= 1) {
+        const FlatView view = FlatViewOf(bit);
+        if ((mask & bit) != 0 && !IsEmpty(view.clip)) {
+            FlatShown.range[FlatShown.views] = RangeOf(view, path == Path::Careful || marking);
+            views[FlatShown.views++] = view;
+        }
     }
 }
 
@@ -273,7 +235,7 @@ void FlatGround() {
     const std::int64_t spacing = ViewState.gridSpacing;
     const bool grid =
         spacing > 0 && spacing * ViewState.numerator > GRID_LEAST_PIXELS * ViewState.denominator;
-    for (int i = 0; i < viewCount; ++i) {
+    for (int i = 0; i < FlatShown.views; ++i) {
         FillRect(ViewFrame, views[i].clip, COLOUR_BACKGROUND);
         if (grid) {
             DrawGridLines(views[i], views[i].right, true);
@@ -282,25 +244,23 @@ void FlatGround() {
     }
 }
 
-// Zoomed in, most polygons are seen in no view and end here, which costs little more than to walk over them:
-// what draws the others is kept out of the way.
-void FlatPolygon(const PolygonRecord& polygon, std::uint8_t colour, Marks marks) {
-    const bool marked = marking && marks == Marks::AsSet;
+unsigned FlatSeesOutline(const PolygonRecord& polygon) {
+    Position least = PositionOf(polygon.vertex[0]), most = least;
+    for (const VertexRecord& vertex : polygon.Vertices().subspan(1)) {
+        least = Least(least, PositionOf(vertex));
+        most = Most(most, PositionOf(vertex));
+    }
+    return FlatSees(least, most);
+}
+
+void FlatPolygon(const PolygonRecord& polygon, unsigned seen, std::uint8_t colour, Marks marks) {
     if (path == Path::Careful || polygon.vers > LANES) {
-        DrawOutline(polygon, colour, marked);
-        return;
+        DrawOutline(polygon, seen, colour);
+    } else {
+        DrawQuads(polygon, seen, colour);
     }
-    const Corners corners(polygon.vertex, polygon.vers);
-    const Words* const c = corners.corner;
-    const Words least = Least(Least(c[0], c[1]), Least(c[2], c[3]));
-    const Words most = Most(Most(c[0], c[1]), Most(c[2], c[3]));
-    unsigned showing = 0;
-    for (int i = 0; i < viewCount; ++i) {
-        const bool outside = Any((most < views[i].low) | (least > views[i].high));
-        showing |= (outside ? 0U : 1U) << i;
-    }
-    if (showing != 0 || marked) {
-        DrawQuads(polygon, least, most, showing, colour, marked);
+    for (int i = 0; marking && marks == Marks::AsSet && i < FlatShown.views; ++i) {
+        DrawMarks(polygon, views[i], colour);
     }
 }
 

@@ -11,7 +11,8 @@ namespace quelmark {
 
 using Lanes = std::int32_t __attribute__((vector_size(16)));
 using Floats = float __attribute__((vector_size(16)));
-using Words = std::int16_t __attribute__((vector_size(16)));  // one vertex record
+using Words = std::int16_t __attribute__((vector_size(16)));    // one vertex record
+using Position = std::int16_t __attribute__((vector_size(8)));  // its x, y, z, and a word of no meaning here
 using LongLanes = std::int64_t __attribute__((vector_size(16)));
 
 inline constexpr std::int32_t LANES = 4;
@@ -25,8 +26,22 @@ inline Words WordsOf(const VertexRecord& vertex) {
     std::memcpy(&words, &vertex, sizeof words);
     return words;
 }
+inline Position PositionOf(const VertexRecord& vertex) {
+    Position position;
+    std::memcpy(&position, &vertex, sizeof position);
+    return position;
+}
+inline Position Least(Position a, Position b) {
+    return a < b ? a : b;
+}
+inline Position Most(Position a, Position b) {
+    return a > b ? a : b;
+}
 
 // Whether any bit is set.
+inline bool Any(Position vector) {
+    return reinterpret_cast<std::int64_t>(vector) != 0;
+}
 template <typename Vector>
 bool Any(Vector vector) {
     const auto halves = reinterpret_cast<LongLanes>(vector);

@@ -83,12 +83,6 @@ void RunBySlope(std::uint8_t* base, std::int64_t count, std::ptrdiff_t along, st
 
 // ---- clipped lines ----
 
-template <typename Number>
-Number FloorDivide(Number a, Number b) {
-    const Number quotient = a / b;
-    return a % b < 0 ? quotient - 1 : quotient;
-}
-
 // A line along its major axis u from the smaller u on; v is the other axis. At step k the pixel is v0 + sign
 // · floor((2·rise·k + length) / (2·length)).
 template <typename Number>
@@ -97,9 +91,7 @@ struct MajorLine {
     Number length, rise;  // both at least 0, rise <= length
     std::int32_t sign;
 
-    Number StepsAcross(Number k) const {
-        return length == 0 ? 0 : FloorDivide<Number>(2 * rise * k + length, 2 * length);
-    }
+    Number StepsAcross(Number k) const { return length == 0 ? 0 : (2 * rise * k + length) / (2 * length); }
     // The first step that has gone `across` pixels.
     Number FirstStep(Number across) const {
         const Number needed = 2 * length * across - length;
@@ -281,6 +273,25 @@ void DrawShort(FrameBuffer& frame, const QuadLines& lines, std::uint8_t colour) 
     }
 }
 
+// Lines of no more than STEPPED steps go side by side, a step of each at a time, by their error terms; one
+// that has come to its end waits there.
+constexpr std::int32_t STEPPED = 16;
+
+void DrawStepped(FrameBuffer& frame, const QuadLines& lines, std::uint8_t colour) {
+    PutFour(frame, lines.corner, colour);
+    const Lanes run = lines.length + lines.length, rise = lines.rise + lines.rise;
+    Lanes offset = lines.start, error = -lines.length, left = lines.length - 1;
+    do {
+        error += rise;
+        const Lanes over = ~(error >> 31);
+        const Lanes going = left > 0;
+        offset += (lines.along + (lines.across & over)) & going;
+        error -= run & over;
+        left += going;
+        PutFour(frame, offset, colour);
+    } while (Any(left > 0));
+}
+
 void DrawEach(FrameBuffer& frame, const QuadLines& lines, std::uint8_t colour) {
     for (int i = 0; i < LANES; ++i) {
         const std::int32_t length = lines.length[i], rise = lines.rise[i];
@@ -351,6 +362,8 @@ void DrawLineInside(FrameBuffer& frame, std::int32_t x0, std::int32_t y0, std::i
     const QuadLines lines(frame.stride, corner, dx, dy);
     if (!Any(lines.length > SHORT)) {
         DrawShort(frame, lines, colour);
+    } else if (!Any(lines.length > STEPPED)) {
+        DrawStepped(frame, lines, colour);
     } else if (!Any(lines.length > static_cast<std::int32_t>(STEPS_MOST))) {
         DrawEach(frame, lines, colour);
     } else {

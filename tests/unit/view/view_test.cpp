@@ -393,6 +393,48 @@ TEST_F(View3D, ACornerGivenTwiceChangesNoPixel) {
         ASSERT_EQ(picture(4), picture(5)) << round;
     }
 }
+TEST_F(View3D, PolygonsAreDrawnToTheLastPixelOfTheirViews) {
+    std::mt19937 random(6);
+    const auto within = [&](int most) {
+        return static_cast<int>(random() % static_cast<unsigned>(2 * most + 1)) - most;
+    };
+    for (int round = 0; round < 600; ++round) {
+        ModelExit();
+        ModelInit(1 << 20, 8, 8, 100);
+        ViewState.centre = {within(300), within(300), within(300)};
+        ViewSetZoom(round % 2 == 0 ? 1 + round % 120 : -1 - round % 40, 0);
+        ViewRedrawMask(WIN_ORTHOGRAPHIC, true);
+        FrameBuffer wanted = ViewFrame;
+        for (int polygon = 0; polygon < 40; ++polygon) {
+            // About a corner of the views, so that many a polygon has no more than a pixel in one.
+            const int right = polygon % 2 == 0 ? 200 : -200, up = polygon % 4 < 2 ? 150 : -150;
+            const auto near = [&](int pixels, std::int32_t centre) {
+                const int most = std::max(3, 4 * ViewState.denominator / ViewState.numerator);
+                return static_cast<std::int16_t>(
+                    centre + pixels * ViewState.denominator / ViewState.numerator + within(most));
+            };
+            CurrentPolygon->vers = static_cast<std::int16_t>(1 + polygon % 6);
+            CurrentPolygon->attr = -1;
+            for (VertexRecord& v : CurrentPolygon->Vertices()) {
+                v = {};
+                v.x = near(right, ViewState.centre.x);
+                v.y = near(polygon % 3 == 0 ? right : up, ViewState.centre.y);
+                v.z = near(up, ViewState.centre.z);
+            }
+            const auto vertices = CurrentPolygon->Vertices();
+            for (std::size_t i = 0; i < vertices.size(); ++i) {
+                for (std::int32_t view = WIN_XY; view <= WIN_ZX; view <<= 1) {
+                    DrawLine(wanted, Views[ViewIndex(view)].Rect(),
+                             ViewProject(ViewConverted(vertices[i]), view),
+                             ViewProject(ViewConverted(vertices[(i + 1) % vertices.size()]), view), 7);
+                }
+            }
+            PolygonAppend(0);
+        }
+        ViewRedrawMask(WIN_ORTHOGRAPHIC, false);
+        ASSERT_EQ(ViewFrame.pixels, wanted.pixels) << round;
+    }
+}
 TEST_F(View3D, ExtremesNeverLeaveTheFrame) {
     std::mt19937 random(3);
     const std::int32_t values[] = {0, 1, -1, 5, -7, 300, -300, 2147483647, -2147483647 - 1, 1 << 20};
