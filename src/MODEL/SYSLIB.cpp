@@ -133,6 +133,7 @@ std::int32_t RendParameter(std::int32_t, std::int32_t, DataCell*) {
                                      static_cast<unsigned long>(HostWindow().Handle()), views.left, views.top,
                                      views.right - views.left, views.bottom - views.top);
     StackPushString({text, static_cast<std::size_t>(length)});
+    PulseRest();
     return RESULT;
 }
 

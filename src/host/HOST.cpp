@@ -78,7 +78,10 @@ bool EscapeWanted() {
 
 // The hooks by which lower layers reach the window.
 void ConnectLayers() {
-    ViewSetDamageHook([](const PixelRect& rect) { window->InvalidateFrame(rect); });
+    ViewSetDamageHook([](const PixelRect& rect) {
+        PulseGoOn();
+        window->InvalidateFrame(rect);
+    });
     HostResized();
     SetBreakCheck(BreakWanted);
     ReaderSetCancelCheck(EscapeWanted);

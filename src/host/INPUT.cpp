@@ -100,11 +100,12 @@ bool pressOfViews = false;  // the one that is held, which the press handler was
 
 std::uint32_t pulseTime = 0;
 std::int32_t pulseIndex = 0;
+bool pulseRests = false;
 
 // A magenta that swells and fades, from 212 up to 254 and back.
 void Pulse() {
     const std::uint32_t now = HostWindow().Milliseconds();
-    if (now - pulseTime <= PULSE_STEP) {
+    if (pulseRests || now - pulseTime <= PULSE_STEP) {
         return;
     }
     const std::uint32_t steps = (now - pulseTime) / PULSE_STEP;
@@ -180,8 +181,8 @@ void HandlersReset() {
     Input = CurrentInput{};
     Mode = WaitMode{};
     keptKey = KeptKey{};
-    pressSpent = false;
-    pressOfViews = false;
+    pressSpent = pressOfViews = false;
+    pulseRests = false;
     pulseIndex = 0;
     pulseTime = HostWindow().Milliseconds();
 }
@@ -255,6 +256,14 @@ void PulseOn() {
     if (HostWindow().Milliseconds() - pulseTime >= PULSE_INTERVAL) {
         Pulse();
     }
+}
+
+void PulseRest() {
+    pulseRests = true;
+}
+
+void PulseGoOn() {
+    pulseRests = false;
 }
 
 void WaitRelease() {

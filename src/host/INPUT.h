@@ -78,6 +78,11 @@ void PressSpend();
 void KeyPutBack(std::int32_t code, std::int32_t shift);
 // Lets the colour that pulses go on while nothing waits for input.
 void PulseOn();
+// It rests while the picture of another program, which has been given the window's handle, stands in the
+// views.
+void PulseRest();
+// The views have been drawn: the pulse goes on.
+void PulseGoOn();
 // Waits until both buttons are up.
 void WaitRelease();
 // One input step: panes first, then the state for the script. True when what `Mode` waits for has come.

@@ -27,6 +27,29 @@ function Ask() {
     print("ended", DlogWait(), DlogAnswer(1), "\n");
 }
 KeyEvent(Ask, "a");
+var choices = { "x", "y" };
+function AskField() {
+    DlogOpen("field", 4);
+    DlogSelect(0, "list", choices, 0);
+    DlogToggle(1, "", "toggle", OFF);
+    DlogString(2, "first", "old", 10);
+    DlogString(3, "second", "old", 10);
+    print("field", DlogWait(), DlogAnswer(0), DlogAnswer(2), DlogAnswer(3), "\n");
+}
+KeyEvent(AskField, "f");
+function AskList() {
+    DlogOpen("list", 2);
+    DlogMessage(0, "message");
+    DlogSelect(1, "list", choices, 0);
+    print("list", DlogWait(), DlogAnswer(1), "\n");
+}
+KeyEvent(AskList, "l");
+function AskButton() {
+    DlogOpen("button", 1, "one", "two", "three");
+    DlogMessage(0, "message");
+    print("button", DlogWait(), "\n");
+}
+KeyEvent(AskButton, "b");
 function End() { print("still", DlogAnswer(0), "\n"); Quit(); }
 KeyEvent(End, "q");
 QMS
@@ -41,6 +64,11 @@ views() { import -window root -depth 8 -crop 300x250+20+60 +repage "$1"; }
 
 for _ in $(seq 100); do xdotool search --name '^Quelmark' >/dev/null 2>&1 && break; sleep 0.05; done
 settle
+# The keyboard begins at the first field, whatever stands before it; without a field at the list; with messages only at the accept button.
+xdotool key f; settle; xdotool key n e w Return; printed 'field 1 0 new old'; settle
+xdotool key l; settle; xdotool key Down Return; printed 'list 1 1'; settle
+xdotool key b; settle; xdotool key space; printed 'button 2'; settle
+xdotool key b; settle; xdotool key shift+Tab space; printed 'button 1'; settle
 xdotool key a; settle
 xdotool search --name '^ask' >/dev/null 2>&1 || fail "no dialog"
 views before.ppm

@@ -88,7 +88,7 @@ cmp -s saved.suf copy.suf || fail "the file has changed without saving"
 
 begin
 asked || fail "a changed file is not offered"
-xdotool key Tab; settle 0.1; xdotool key space; settle
+xdotool key shift+Tab; settle 0.1; xdotool key space; settle
 is "polygons 0 edited FALSE []"
 [ -e .quelmark-1.suf ] && fail "what was discarded is still there"
 xdotool key ctrl+q

@@ -27,6 +27,11 @@ function Press() {
     print("pressed", MouseX(), MouseY(), "\n");
     return TRUE;
 }
+// What is selected would pulse over the picture.
+PolyInsVertex(Vertex(-50, -50, -50), 0);
+PolyInsVertex(Vertex(50, -50, 50), 1);
+PolyInsVertex(Vertex(50, 50, 50), 2);
+PolyAppend(ON);
 PressEvent(Press);
 KeyEvent(Render, "r");
 KeyEvent(AddMenu, "m");
@@ -46,6 +51,9 @@ check() {
     [ "$(cat drawn)" = "$((width - 2))x$((height - 2))+$((left + 1))+$((top + $1 + 1))" ] || fail "drawn at $(cat drawn)"
     convert root.ppm -fill black +opaque '#fedcba' -trim -format '%wx%h%O\n' info: > drawn
     [ "$(cat drawn)" = "${width}x$height+$left+$((top + $1))" ] || fail "its edge is at $(cat drawn)"
+    sleep 0.5
+    import -window root -depth 8 later.ppm
+    cmp -s root.ppm later.ppm || fail "the picture is painted over"
 }
 xdotool key r; printed drawn; settle
 check 0

@@ -109,8 +109,10 @@ dialogs() {
     for line in "${answers[@]}"; do
         read -r what row rest <<< "$line"
         case $what in
+            from) at=$row ;;
             answer|choose|tick)
                 while [ "$at" -lt "$row" ]; do xdotool key Tab; at=$((at + 1)); done
+                while [ "$at" -gt "$row" ]; do xdotool key shift+Tab; at=$((at - 1)); done
                 settle 0.1
                 case $what in
                     answer) xdotool type --delay 20 -- "$rest" ;;
@@ -123,7 +125,7 @@ dialogs() {
                 if [ "$row" = 0 ]; then xdotool key Escape; else xdotool key Return; fi
                 settle
                 at=0 ;;
-            discard) xdotool key Tab; settle 0.1; xdotool key space; settle; at=0 ;;
+            discard) xdotool key shift+Tab; settle 0.1; xdotool key space; settle; at=0 ;;
             file)
                 open_dialog
                 xdotool type --delay 20 -- "$folder/window/$row"
@@ -163,7 +165,7 @@ in_window() {
             pick) choose_item ${rest/ */} "${rest#* }"; dialogs ;;
             key) xdotool key $rest; settle 0.08; dialogs ;;
             mouse) mouse $rest ;;
-            answer|choose|tick|button|discard|file) answers+=("$what $rest") ;;
+            from|answer|choose|tick|button|discard|file) answers+=("$what $rest") ;;
             shot) shot "$rest" ;;
             close) leave "$rest"; dialogs; ended || give_up "not closed" ;;
             refuse) leave "$rest"; dialogs; probe ;;

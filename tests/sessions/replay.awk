@@ -13,7 +13,7 @@ BEGIN { split("Return 13 Escape 27 BackSpace 8 Delete KEY_DEL Insert KEY_INS Hom
 FILENAME ~ /items$/ { items[++n] = $0; next }
 FNR == 1 { put("size " client) }
 { what = $1; sub(/ .*/, "", what); rest = substr($0, length(what) + 2) }
-what == "" || what ~ /^#/ || what == "same" { next }
+what == "" || what ~ /^#/ || what == "same" || what == "from" { next }
 what == "start" { part++; put("size " client); next }
 what == "close" || what == "refuse" { for (i = 1; i <= held; i++) put(lines[i]); held = 0; put(rest == "frame" ? "close" : "key 17"); next }
 what == "choose" || what == "answer" { lines[++held] = "answer " rest; next }

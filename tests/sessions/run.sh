@@ -9,6 +9,7 @@
 #   key NAME           ctrl+z, shift+m, Return, a
 #   mouse X Y BUTTONS  a place in the views
 #   answer ROW TEXT, choose ROW NUMBER, tick ROW, button N (the first or the last), discard (the middle one of three), file NAME
+#   from ROW           the keyboard begins at this row of the dialog, not at the first one
 #   shot NAME          a picture of the views
 #   close, start       the program is left by its key, and starts again; close frame: the button of the window's frame
 #   refuse [frame]     likewise, but what is asked then keeps it open

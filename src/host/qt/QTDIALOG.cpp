@@ -240,6 +240,27 @@ void Place(const Dialog& dialog, QWidget& rows, const std::vector<QWidget*>& lin
     buttons.setFixedHeight(foot);
 }
 
+// The keyboard begins where something can be typed or moved at once, else at the first list or toggle, which
+// is the toolkit's own choice, else at the accept button.
+void BeginKeyboard(const Dialog& dialog, const std::vector<QWidget*>& lines, const QWidget& buttons) {
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (dialog.rows[i].kind == RowKind::Text) {
+            auto* field = lines[i]->findChild<QLineEdit*>();
+            field->setFocus();
+            field->selectAll();  // what is typed takes its place, as in the fields that Tab reaches
+            return;
+        }
+        if (dialog.rows[i].kind == RowKind::Slider) {
+            return lines[i]->findChild<QSlider*>()->setFocus();
+        }
+    }
+    const bool answers =
+        std::ranges::any_of(dialog.rows, [](const DialogRow& row) { return row.kind != RowKind::Message; });
+    if (!answers && !dialog.buttons.empty()) {
+        buttons.findChildren<QPushButton*>().at(static_cast<qsizetype>(dialog.acceptButton))->setFocus();
+    }
+}
+
 // What the screen leaves for the rows, beside the window's frame and the buttons.
 QSize RoomForRows(const QDialog& shown, const QWidget& buttons) {
     const int title = 2 * shown.style()->pixelMetric(QStyle::PM_TitleBarHeight);
@@ -280,9 +301,6 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
         line->addStretch();
     }
     AlignLabels(*rows);
-    if (auto* first = rows->findChild<QLineEdit*>()) {
-        first->selectAll();  // what is typed takes its place, as in the fields that Tab reaches
-    }
     QWidget* buttons = MakeButtons(shown, dialog);
     Place(dialog, *rows, lines, *buttons);
     auto* whole = new QVBoxLayout(&shown);
@@ -290,6 +308,7 @@ std::int32_t QtRunDialog(QWidget* parent, Dialog& dialog,
     whole->setSpacing(0);
     whole->addWidget(new QtRowArea(rows, RoomForRows(shown, *buttons)));
     whole->addWidget(buttons);
+    BeginKeyboard(dialog, lines, *buttons);
     shown.resize(shown.sizeHint().expandedTo({TitleWidth(shown), 0}));
     const int result = shown.exec();
     take();

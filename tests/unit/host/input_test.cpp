@@ -4,6 +4,7 @@
 
 #include "ML/ERROR.h"
 #include "host_fixture.h"
+#include "view/VIEW.h"
 
 namespace quelmark::test {
 namespace {
@@ -112,6 +113,24 @@ TEST_F(InputTest, ThePulseRestsForFiveMilliseconds) {
         WaitStep();
         EXPECT_TRUE(window.palette.empty());
         window.clock += 1;
+        WaitStep();
+        EXPECT_EQ(window.palette.size(), 1U);
+    });
+}
+
+TEST_F(InputTest, ThePulseRestsOverAnotherProgramsPictureUntilTheViewsAreDrawn) {
+    Run([this] {
+        HandlersReset();
+        window.palette.clear();
+        Hand({Key('a'), Key('a'), Key('a')});
+        PulseRest();
+        for (int i = 0; i < 2; ++i) {
+            window.clock += 100;
+            WaitStep();
+        }
+        EXPECT_TRUE(window.palette.empty());
+        ViewEnableDrawing(true);
+        ViewRedraw(WHOLE_AREA, true);
         WaitStep();
         EXPECT_EQ(window.palette.size(), 1U);
     });
