@@ -1,6 +1,8 @@
 // close_window WINDOW: asks a window to close, as the button in its title bar does.
 #include <X11/Xlib.h>
 
+#include <cstdlib>
+
 int main(int argc, char** argv) {
     Display* display = XOpenDisplay(nullptr);
     if (argc != 2 || display == nullptr) {
