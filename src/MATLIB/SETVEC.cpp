@@ -7,6 +7,7 @@
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "ML/STRING.h"
+#include "text/number.h"
 #include "text/sjis.h"
 
 namespace quelmark {

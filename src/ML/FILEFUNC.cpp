@@ -45,15 +45,6 @@ std::string_view PathText(const DataCell& cell) {
 
 // ---- paths ----
 
-std::string ToBackslashes(std::string_view path) {
-    std::string text(path);
-    for (std::size_t at = FindFirstOf(text, "/"); at != std::string::npos;
-         at = FindFirstOf(text, "/", at + 1)) {
-        text[at] = '\\';
-    }
-    return text;
-}
-
 // Appends the components of a path, resolving ".\" and "..\"; never climbs past the drive.
 void AppendComponents(std::string& result, std::string_view path) {
     while (!path.empty()) {
@@ -86,7 +77,8 @@ std::string CurrentDirectoryName() {
 }
 
 std::string FullPath(std::string_view given) {
-    std::string path = ToBackslashes(given);
+    std::string path(given);
+    ReplaceCharacter(path, '/', '\\');
     std::string result = "C:";
     if (path.size() >= 2 && path[1] == ':') {
         result[0] = path[0] >= 'a' && path[0] <= 'z' ? static_cast<char>(path[0] - ('a' - 'A')) : path[0];

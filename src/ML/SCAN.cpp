@@ -12,6 +12,7 @@
 #include "ML/ML.h"
 #include "ML/STRING.h"
 #include "text/cp932.h"
+#include "text/number.h"
 #include "text/path.h"
 #include "text/sjis.h"
 

@@ -5,6 +5,7 @@
 
 #include "ML/ERROR.h"
 #include "ML/STRING.h"
+#include "text/number.h"
 #include "text/sjis.h"
 
 namespace quelmark {

@@ -8,7 +8,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 namespace quelmark {
 
@@ -171,13 +170,8 @@ inline std::uint32_t ArrayCount(const DataCell& array) {
 // Replaces what a variable or element cell holds, with the references kept right (no array rules).
 void CellAssign(DataCell& destination, const DataCell& source);
 
-// snprintf of one real with a decimal point, whatever the locale.
-int FormatReal(char* buffer, std::size_t room, const char* format, double value)
-    __attribute__((format(printf, 3, 0)));
-// The leading real number of a text, with a decimal point whatever the locale; 0 when there is none. When
-// `used` is not null it gets the number of bytes read.
-double ParseReal(std::string_view text, std::size_t* used = nullptr);
-// Writes a readable, NUL-terminated form of a cell to `buffer` (4096 bytes) and returns its length.
+inline constexpr std::size_t CELL_TEXT_BYTES = 4096;
+// Writes a readable, NUL-terminated form of a cell to `buffer` (CELL_TEXT_BYTES) and returns its length.
 int CellToText(char* buffer, const DataCell& cell);
 
 }  // namespace quelmark

@@ -11,6 +11,7 @@
 #include "ML/FUNC.h"
 #include "ML/SPRINTF.h"
 #include "text/cp932.h"
+#include "text/number.h"
 #include "text/path.h"
 #include "text/sjis.h"
 

@@ -10,6 +10,7 @@
 #include "MODEL/POLY.h"
 #include "MODEL/SUFWORD.h"
 #include "text/cp932.h"
+#include "text/number.h"
 #include "text/savefile.h"
 #include "text/sjis.h"
 

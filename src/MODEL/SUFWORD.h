@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
-#include "ML/STACK.h"
 #include "text/cp932.h"
+#include "text/number.h"
 
 namespace quelmark {
 

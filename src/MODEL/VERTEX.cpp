@@ -9,6 +9,7 @@
 #include "ML/FUNC.h"
 #include "ML/STRING.h"
 #include "MODEL/TRANSFORM.h"
+#include "text/number.h"
 #include "text/sjis.h"
 
 namespace quelmark {

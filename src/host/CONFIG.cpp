@@ -19,7 +19,6 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr std::string_view BLANKS = " \t\r\n\v\f";
-constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 std::string configPath;
 std::vector<ConfigEntry> entries;
@@ -47,19 +46,6 @@ std::optional<std::string> LinkTarget(const std::string& path) {
     char resolved[PATH_MAX];
     return ::realpath(path.c_str(), resolved) != nullptr ? std::optional<std::string>(resolved)
                                                          : std::nullopt;
-}
-
-std::optional<std::string> ReadHostFile(const std::string& path) {
-    const FilePtr file(std::fopen(path.c_str(), "rb"));
-    if (!file) {
-        return std::nullopt;
-    }
-    std::string text;
-    char buffer[4096];
-    for (std::size_t count = 0; (count = std::fread(buffer, 1, sizeof buffer, file.get())) > 0;) {
-        text.append(buffer, count);
-    }
-    return text;
 }
 
 // The file gets the permissions of the one whose place it will take.
@@ -165,9 +151,9 @@ std::optional<std::vector<std::string>> ConfigReadLines(std::string_view path) {
     if (!bytes) {
         return std::nullopt;
     }
-    const bool utf8 = bytes->starts_with(BYTE_ORDER_MARK);
+    const bool utf8 = bytes->starts_with(UTF8_MARK);
     std::vector<std::string> lines;
-    for (std::size_t at = utf8 ? BYTE_ORDER_MARK.size() : 0; at < bytes->size();) {
+    for (std::size_t at = utf8 ? UTF8_MARK.size() : 0; at < bytes->size();) {
         const std::size_t end = std::min(bytes->find('\n', at), bytes->size());
         const std::string line = bytes->substr(at, end - at);
         lines.push_back(utf8 ? Utf8ToCp932Lossy(line) : line);
@@ -206,12 +192,12 @@ bool ConfigWrite(std::string_view key, std::string_view value) {
     }
     const auto given = HostPath(configPath);
     const auto path = given ? LinkTarget(*given) : given;
-    const auto text = path ? ReadHostFile(*path) : std::nullopt;
+    const auto text = path ? ReadWholeFile(configPath) : std::nullopt;
     if (!text || ::access(path->c_str(), W_OK) != 0) {
         return false;
     }
-    const bool utf8 = text->starts_with(BYTE_ORDER_MARK);
-    const std::string_view mark = utf8 ? BYTE_ORDER_MARK : "";
+    const bool utf8 = text->starts_with(UTF8_MARK);
+    const std::string_view mark = utf8 ? UTF8_MARK : "";
     const std::string changed = std::string(mark) + TextWithEntry(std::string_view(*text).substr(mark.size()),
                                                                   key, utf8 ? Cp932ToUtf8(line) : line, utf8);
     const std::size_t dot = path->rfind('.');

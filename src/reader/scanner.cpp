@@ -168,7 +168,7 @@ bool Load(std::string_view path) {
 // A file that begins with a byte order mark is UTF-8.
 void ConvertText() {
     const std::string_view text(Shape.bytes.get(), static_cast<std::size_t>(Shape.end - Shape.bytes.get()));
-    if (!text.starts_with("\xEF\xBB\xBF")) {
+    if (!text.starts_with(UTF8_MARK)) {
         return;
     }
     const std::string converted = FileTextToCp932(std::string(text));

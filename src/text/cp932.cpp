@@ -118,11 +118,10 @@ std::string Utf8ToCp932Lossy(std::string_view utf8) {
 }
 
 std::string FileTextToCp932(std::string bytes) {
-    constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
-    if (!std::string_view(bytes).starts_with(BYTE_ORDER_MARK)) {
+    if (!std::string_view(bytes).starts_with(UTF8_MARK)) {
         return bytes;
     }
-    return Utf8ToCp932Lossy(std::string_view(bytes).substr(BYTE_ORDER_MARK.size()));
+    return Utf8ToCp932Lossy(std::string_view(bytes).substr(UTF8_MARK.size()));
 }
 
 std::size_t FindLastOf(std::string_view cp932, std::string_view anyOf) {
@@ -143,6 +142,14 @@ std::size_t FindFirstOf(std::string_view cp932, std::string_view anyOf, std::siz
         }
     }
     return std::string_view::npos;
+}
+
+void ReplaceCharacter(std::string& cp932, char from, char to) {
+    const std::string_view wanted(&from, 1);
+    for (std::size_t at = FindFirstOf(cp932, wanted); at != std::string::npos;
+         at = FindFirstOf(cp932, wanted, at + 1)) {
+        cp932[at] = to;
+    }
 }
 
 }  // namespace quelmark

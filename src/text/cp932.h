@@ -26,6 +26,8 @@ std::string Cp932ToUtf8(std::string_view cp932);
 std::optional<std::string> Utf8ToCp932(std::string_view utf8);
 // The same, with '?' in place of what cp932 cannot carry.
 std::string Utf8ToCp932Lossy(std::string_view utf8);
+// A UTF-8 byte order mark, with which a file says what it is.
+inline constexpr std::string_view UTF8_MARK = "\xEF\xBB\xBF";
 // A file's bytes as cp932: text that begins with a UTF-8 byte order mark is converted, other bytes stay as
 // they are.
 std::string FileTextToCp932(std::string bytes);
@@ -34,5 +36,7 @@ std::string FileTextToCp932(std::string bytes);
 // double-byte characters passed over; npos when there is none.
 std::size_t FindLastOf(std::string_view cp932, std::string_view anyOf);
 std::size_t FindFirstOf(std::string_view cp932, std::string_view anyOf, std::size_t from = 0);
+// Puts one ASCII character in the place of another wherever that is no second byte.
+void ReplaceCharacter(std::string& cp932, char from, char to);
 
 }  // namespace quelmark

@@ -74,10 +74,7 @@ std::optional<std::string> Plain(std::string_view scriptPath) {
         scriptPath.remove_prefix(2);
     }
     std::string slashes(scriptPath);
-    for (std::size_t at = FindFirstOf(slashes, "\\"); at != std::string::npos;
-         at = FindFirstOf(slashes, "\\", at + 1)) {
-        slashes[at] = '/';
-    }
+    ReplaceCharacter(slashes, '\\', '/');
     if (slashes.find('\0') != std::string::npos) {
         return std::nullopt;
     }
@@ -135,10 +132,7 @@ std::optional<std::string> ScriptPath(std::string_view hostPath) {
     if (!text) {
         return std::nullopt;
     }
-    for (std::size_t at = FindFirstOf(*text, "/"); at != std::string::npos;
-         at = FindFirstOf(*text, "/", at + 1)) {
-        (*text)[at] = '\\';
-    }
+    ReplaceCharacter(*text, '/', '\\');
     if (text->starts_with('\\')) {
         text->insert(0, "C:");
     }

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "text/cp932.h"
 #include "text/path.h"
 
 namespace quelmark {
@@ -114,9 +115,9 @@ bool BeginsWithUtf8Mark(std::string_view scriptPath) {
         return false;
     }
     const Descriptor file(::open(path->c_str(), O_RDONLY | O_CLOEXEC));
-    char bytes[3];
+    char bytes[UTF8_MARK.size()];
     return file.IsOpen() && ::read(file.Number(), bytes, sizeof bytes) == sizeof bytes &&
-           std::string_view(bytes, sizeof bytes) == "\xEF\xBB\xBF";
+           std::string_view(bytes, sizeof bytes) == UTF8_MARK;
 }
 
 SaveResult SaveAppending(std::string_view scriptPath, std::string_view bytes) {

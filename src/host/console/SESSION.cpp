@@ -191,8 +191,8 @@ Session ReadSession(const char* path) {
     Session session;
     SessionEvent event;
     for (event.line = 1; std::getline(file, event.whole); ++event.line) {
-        if (event.line == 1 && event.whole.starts_with("\xEF\xBB\xBF")) {
-            event.whole.erase(0, 3);
+        if (event.line == 1 && event.whole.starts_with(UTF8_MARK)) {
+            event.whole.erase(0, UTF8_MARK.size());
         }
         if (event.whole.ends_with('\r')) {
             event.whole.pop_back();
