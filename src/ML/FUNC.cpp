@@ -41,18 +41,20 @@ void CheckClass(std::int32_t classId) {
     Check(IsRegistered(classId), "0 <= id && id < MAX_CLASS && ClassList[id].name != NULL");
 }
 
-// Sets a class's own member and every table below it that inherits the entry.
-void SetMember(std::int32_t classId, std::int32_t ident, Member member) {
-    member.own = true;
+// Gives the entry to a class's table and to every table below it that inherits it.
+void PassDown(std::int32_t classId, std::int32_t ident, const Member& member) {
     ClassList[classId].members[ident] = member;
-    member.own = false;
     for (std::int32_t id = 1; id < MAX_CLASS; ++id) {
         const ClassEntry& entry = ClassList[id];
         if (entry.name != nullptr && entry.parent == classId && !entry.members[ident].own) {
-            SetMember(id, ident, member);
-            entry.members[ident].own = false;
+            PassDown(id, ident, member);
         }
     }
+}
+
+void SetMember(std::int32_t classId, std::int32_t ident, const Member& member) {
+    PassDown(classId, ident, member);
+    ClassList[classId].members[ident].own = true;
 }
 
 void CheckNameRoom() {

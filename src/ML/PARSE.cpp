@@ -45,7 +45,6 @@ constexpr AssignRow ASSIGNMENTS[] = {
 
 IdentTablePtr globalNames;
 IdentTablePtr localNames;
-std::int32_t globalRoom = 0;
 std::int32_t statementDepth = 0;  // 1 for the outermost statement
 bool semicolonMayBeMissing = false;
 
@@ -338,14 +337,12 @@ bool StatementIsOutermost() {
 
 void ParserInit(std::int32_t globals) {
     ParserExit();
-    globalRoom = std::clamp(globals, 0, GLOBALS_MOST);
-    globalNames = IdentCreate(globalRoom, 0);
+    globalNames = IdentCreate(std::clamp(globals, 0, GLOBALS_MOST), 0);
 }
 
 void ParserExit() {
     globalNames.reset();
     localNames.reset();
-    globalRoom = 0;
     ControlReset();
     Nodes.clear();
     TopLevel = {};

@@ -14,7 +14,6 @@ namespace quelmark {
 namespace {
 
 constexpr std::int32_t WIDTH_LIMIT = 4096;
-constexpr std::size_t TEXT_ROOM = 4096;
 
 std::int32_t Print(std::int32_t, std::int32_t argc, DataCell* argv) {
     WriteTexts(argc, argv, OutputLog);
@@ -29,7 +28,7 @@ std::string TextOf(const DataCell& value) {
         StackPop();
         return text;
     }
-    char buffer[TEXT_ROOM];
+    char buffer[CELL_TEXT_BYTES];
     const int length = CellToText(buffer, value);
     return {buffer, static_cast<std::size_t>(length)};
 }
@@ -39,7 +38,7 @@ std::int32_t ToString(std::int32_t, std::int32_t argc, DataCell* argv) {
         RuntimeError("引数の数が不正です。( %s )"_sjis, "tostring");
     }
     if (argc == 1) {
-        char buffer[TEXT_ROOM];
+        char buffer[CELL_TEXT_BYTES];
         const int length = CellToText(buffer, argv[0]);
         StackPushString({buffer, static_cast<std::size_t>(length)});
         return RESULT;
@@ -67,18 +66,14 @@ std::int32_t SizeOf(std::int32_t, std::int32_t, DataCell* argv) {
     return RESULT;
 }
 
-double Number(const DataCell& cell) {
-    return CellNumber(cell);
-}
-
 template <double (*function)(double)>
 std::int32_t OfOneReal(std::int32_t, std::int32_t, DataCell* argv) {
-    StackPushReal(function(Number(argv[0])));
+    StackPushReal(function(CellNumber(argv[0])));
     return RESULT;
 }
 
 std::int32_t ArcTangent2(std::int32_t, std::int32_t, DataCell* argv) {
-    StackPushReal(std::atan2(Number(argv[0]), Number(argv[1])));
+    StackPushReal(std::atan2(CellNumber(argv[0]), CellNumber(argv[1])));
     return RESULT;
 }
 
@@ -87,7 +82,7 @@ std::int32_t Absolute(std::int32_t, std::int32_t, DataCell* argv) {
         const std::int32_t value = argv[0].integer;
         StackPushInt(value < 0 ? WrapSubtract(0, value) : value);
     } else {
-        StackPushReal(std::fabs(Number(argv[0])));
+        StackPushReal(std::fabs(CellNumber(argv[0])));
     }
     return RESULT;
 }

@@ -3,7 +3,8 @@
 
 #include <cstdint>
 
-#include "ML/STACK.h"
+#include "ML/FUNC.h"
+#include "ML/STRING.h"
 
 namespace quelmark {
 
@@ -15,15 +16,7 @@ std::int32_t CallValue(std::int32_t ident, std::int32_t argc, DataCell* argv);
 
 // Hands the texts of the values, separated by one blank, to `write` one after the other.
 template <class Write>
-void WriteTexts(std::int32_t argc, const DataCell* argv, Write write);
-
-}  // namespace quelmark
-
-#include "ML/FUNC.h"
-#include "ML/STRING.h"
-
-template <class Write>
-void quelmark::WriteTexts(std::int32_t argc, const DataCell* argv, Write write) {
+void WriteTexts(std::int32_t argc, const DataCell* argv, Write write) {
     for (std::int32_t i = 0; i < argc; ++i) {
         PushText(argv[i]);
         write(StringText(*StackTop()));
@@ -33,3 +26,5 @@ void quelmark::WriteTexts(std::int32_t argc, const DataCell* argv, Write write) 
         }
     }
 }
+
+}  // namespace quelmark
