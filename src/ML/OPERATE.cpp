@@ -2,7 +2,6 @@
 
 #include "ML/ERROR.h"
 #include "ML/EXEC.h"
-#include "ML/FUNC.h"
 #include "ML/STRING.h"
 #include "text/sjis.h"
 
@@ -74,19 +73,10 @@ DataCell OperateInt(std::int32_t code, const DataCell& left, const DataCell& rig
             return IntCell(ShiftLeft(a, b));
         case OP_SHIFT_RIGHT:
             return IntCell(ShiftRight(a, b));
-        case OP_LESS:
-            return BoolCell(a < b);
-        case OP_GREATER:
-            return BoolCell(a > b);
-        case OP_LESS_EQUAL:
-            return BoolCell(a <= b);
-        case OP_GREATER_EQUAL:
-            return BoolCell(a >= b);
-        case OP_EQUAL:
-            return BoolCell(a == b);
-        case OP_NOT_EQUAL:
-            return BoolCell(a != b);
         default:
+            if (const auto truth = Compared(code, a, b)) {
+                return BoolCell(*truth);
+            }
             RuntimeError("%s", "整数演算の演算子が不正です。"_sjis);
     }
 }
@@ -120,19 +110,10 @@ DataCell OperateReal(std::int32_t code, const DataCell& left, const DataCell& ri
             return FloatCell(a * b);
         case OP_DIVIDE:
             return FloatCell(a / b);
-        case OP_LESS:
-            return BoolCell(a < b);
-        case OP_GREATER:
-            return BoolCell(a > b);
-        case OP_LESS_EQUAL:
-            return BoolCell(a <= b);
-        case OP_GREATER_EQUAL:
-            return BoolCell(a >= b);
-        case OP_EQUAL:
-            return BoolCell(a == b);
-        case OP_NOT_EQUAL:
-            return BoolCell(a != b);
         default:
+            if (const auto truth = Compared(code, a, b)) {
+                return BoolCell(*truth);
+            }
             RuntimeError("%s", "実数演算の演算子が不正です。"_sjis);
     }
 }

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "ML/STACK.h"
+#include "ML/FUNC.h"
 
 namespace quelmark {
 
@@ -34,6 +34,27 @@ void ReleaseOwned(OperandCell operand);
 DataCell* ElementAt(const DataCell& array, const DataCell& subscript);
 // Makes the variable an array of `dimensions` sizes.
 void DeclareArray(DataCell* variable, const DataCell* sizes, std::int32_t dimensions);
+
+// What a comparison says of two values; nothing when the operator is none.
+template <class Value>
+constexpr std::optional<bool> Compared(std::int32_t code, Value left, Value right) {
+    switch (code) {
+        case OP_LESS:
+            return left < right;
+        case OP_GREATER:
+            return left > right;
+        case OP_LESS_EQUAL:
+            return left <= right;
+        case OP_GREATER_EQUAL:
+            return left >= right;
+        case OP_EQUAL:
+            return left == right;
+        case OP_NOT_EQUAL:
+            return left != right;
+        default:
+            return std::nullopt;
+    }
+}
 
 // Wrapping 32-bit arithmetic.
 constexpr std::int32_t WrapAdd(std::int32_t a, std::int32_t b) {

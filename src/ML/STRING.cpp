@@ -8,7 +8,7 @@
 #include <string>
 
 #include "ML/ERROR.h"
-#include "ML/FUNC.h"
+#include "ML/OPERATE.h"
 #include "ML/SPRINTF.h"
 #include "text/cp932.h"
 #include "text/number.h"
@@ -232,7 +232,7 @@ bool StringAppend(DataCell& text, const DataCell& value) {
         (value.type == TYPE_OBJECT && !IsString(value))) {
         return false;
     }
-    char buffer[4096];
+    char buffer[CELL_TEXT_BYTES];
     const bool doubled = value.type == TYPE_OBJECT && value.object == text.object;
     const std::size_t before = StringText(text).size();
     const std::size_t added = value.type == TYPE_OBJECT ? StringText(value).size()
@@ -256,29 +256,11 @@ bool StringOperate(std::int32_t code, const DataCell& left, const DataCell& righ
     if (!IsString(right)) {
         return false;
     }
-    const int order = StringText(left).compare(StringText(right));
-    switch (code) {
-        case OP_LESS:
-            result = BoolCell(order < 0);
-            return true;
-        case OP_GREATER:
-            result = BoolCell(order > 0);
-            return true;
-        case OP_LESS_EQUAL:
-            result = BoolCell(order <= 0);
-            return true;
-        case OP_GREATER_EQUAL:
-            result = BoolCell(order >= 0);
-            return true;
-        case OP_EQUAL:
-            result = BoolCell(order == 0);
-            return true;
-        case OP_NOT_EQUAL:
-            result = BoolCell(order != 0);
-            return true;
-        default:
-            return false;
+    const auto truth = Compared(code, StringText(left).compare(StringText(right)), 0);
+    if (truth) {
+        result = BoolCell(*truth);
     }
+    return truth.has_value();
 }
 
 const char* StringChars(const DataCell& cell) {
