@@ -24,7 +24,7 @@ std::int32_t Give(std::int32_t, std::int32_t, DataCell*) {
 }
 
 std::int32_t MouseButton(std::int32_t, std::int32_t, DataCell*) {
-    StackPushInt((Input.left ? 1 : 0) | (Input.right ? 2 : 0));
+    StackPushInt((Input.left ? MOUSE_LEFT : 0) | (Input.right ? MOUSE_RIGHT : 0));
     return RESULT;
 }
 

@@ -54,12 +54,12 @@ void Show(Button& button, bool pressed) {
 // Calls the handler at once, and every 66 milliseconds while a mouse button is held.
 void RepeatWhileHeld(std::int32_t handler, std::int32_t slot) {
     std::uint32_t next = HostWindow().Milliseconds();
-    while ((Input.left || Input.right) && !QuitFlag) {
+    while (ButtonHeld() && !QuitFlag) {
         if (static_cast<std::int32_t>(HostWindow().Milliseconds() - next) >= 0) {
             CallHandler(handler, {slot});
             next += BUTTON_REPEAT_MILLISECONDS;
         }
-        if (Input.left || Input.right) {  // the handler may have waited for the release itself
+        if (ButtonHeld()) {  // the handler may have waited for the release itself
             HostDeliverHeld();
         }
     }

@@ -24,20 +24,19 @@ bool QuitFlag = false;
 namespace {
 
 constexpr std::uint32_t PULSE_STEP = 5;  // milliseconds of one pulse index
-constexpr std::uint32_t PULSE_INTERVAL =
-    40;  // milliseconds between two looks at the pulse: smooth, and next to no work
+// Milliseconds between two looks at the pulse: smooth, and next to no work.
+constexpr std::uint32_t PULSE_INTERVAL = 40;
 constexpr std::int32_t PULSE_COLOURS = 128;
-constexpr std::int32_t PULSE_ENTRY = 14;
 
 constexpr KeyName KEYS[] = {
     {"ESC", 27},
     {"BS", 8},
     {"RET", 13},
-    {"LEFT_SWITCH", 1},
-    {"RIGHT_SWITCH", 2},
+    {"LEFT_SWITCH", MOUSE_LEFT},
+    {"RIGHT_SWITCH", MOUSE_RIGHT},
     {"HELP", 0x8019},
-    {"MOUSE_LEFT", 1},
-    {"MOUSE_RIGHT", 2},
+    {"MOUSE_LEFT", MOUSE_LEFT},
+    {"MOUSE_RIGHT", MOUSE_RIGHT},
     {"KEY_TAB", 9},
     {"KEY_ESC", 27},
     {"KEY_BS", 8},
@@ -117,10 +116,6 @@ void Pulse() {
     PaletteSet(PULSE_ENTRY, {p, 0, p});
 }
 
-// In the tracking mask: what ends a script's wait step, too.
-constexpr std::int32_t MOVES = 4;  // the pointer's moves
-constexpr std::int32_t TIMED = 8;  // that the timed handler is due, which is called then
-
 std::int32_t WaitOf(Waiting who, std::int32_t most) {
     if (who == Waiting::EventLoop) {
         return LoopEventWait(most);
@@ -128,13 +123,10 @@ std::int32_t WaitOf(Waiting who, std::int32_t most) {
     return who == Waiting::Script && TimedHandlerAllowed() ? TimedEventWait(most) : most;
 }
 
-bool ButtonHeld() {
-    return Input.left || Input.right;
-}
-
-// Buttons that a mask of MOUSE_LEFT and MOUSE_RIGHT names are held.
-bool Held(std::int32_t mask, bool left, bool right) {
-    return ((mask & 1) != 0 && left) || ((mask & 2) != 0 && right);
+// A button is held that the 3-D cursor follows.
+bool IsTracking() {
+    return ((Mode.tracking & TRACK_LEFT) != 0 && Input.left) ||
+           ((Mode.tracking & TRACK_RIGHT) != 0 && Input.right);
 }
 
 // The window's state, with the key that has been put back; dropped files are put aside for the event loop.
@@ -153,9 +145,31 @@ InputState TakeWindowInput() {
     return taken;
 }
 
+// Calls what deals with input. It may wait itself or set the key code: for the event loop only what came with
+// this step is left, and not the key that has been used up.
+template <class Deal>
+bool UsesStepUp(Deal deal) {
+    const std::int32_t key = Input.keyCode;
+    const std::int32_t wheel = Input.wheel;
+    const bool used = deal();
+    Input.keyCode = used ? 0 : key;
+    Input.wheel = wheel;
+    return used;
+}
+
+// A pick in the menu bar comes as a key.
+bool TakeMenuPick() {
+    const std::int32_t command = Input.keyCode - MENU_CODE_FIRST;
+    if (command < 0 || Input.keyCode >= MENU_CODE_END) {
+        return false;
+    }
+    MenuPick(command / 256, command % 256);
+    return true;
+}
+
 // A button is down: panes, then the script's press handler. True when the press has been used up. What the
 // press handler was told is a drag of the views until the release, wherever the pointer goes.
-bool HandlePress(bool fresh) {
+bool TakePress(bool fresh) {
     pressOfViews = pressOfViews && !fresh;
     if (!pressOfViews && PanePress(Input.x, Input.y)) {
         return true;
@@ -164,8 +178,22 @@ bool HandlePress(bool fresh) {
         return false;
     }
     pressOfViews = true;
-    const std::int32_t button = Input.left ? 1 : 2;
+    const std::int32_t button = Input.left ? MOUSE_LEFT : MOUSE_RIGHT;
     return CallHandler(Handlers.press, {button, Input.shift});
+}
+
+bool SpaceHasCome() {
+    return Mode.wait == WAIT_SPACE && Input.keyCode == ' ';
+}
+
+// A button that is waited for has come; it is then waited for until it is up.
+bool ButtonHasCome(bool leftBefore, bool rightBefore) {
+    const bool come = (Mode.wait == WAIT_LEFT && (Input.left || leftBefore)) ||
+                      (Mode.wait == WAIT_RIGHT && (Input.right || rightBefore));
+    if (come) {
+        WaitRelease();
+    }
+    return come;
 }
 
 }  // namespace
@@ -209,8 +237,12 @@ InputState TakeInput() {
     return taken;
 }
 
+bool ButtonHeld() {
+    return Input.left || Input.right;
+}
+
 bool TimedHandlerAllowed() {
-    return (Mode.tracking & TIMED) != 0;
+    return (Mode.tracking & TRACK_TIMED) != 0;
 }
 
 void PressSpend() {
@@ -240,7 +272,7 @@ void WaitStep(Waiting who) {
             MessageHide();
         }
         pending = now.left == Input.left && now.right == Input.right && now.keyCode == 0 && now.wheel == 0 &&
-                  !((now.left || now.right || (Mode.tracking & MOVES) != 0) && Input.moved) &&
+                  !((now.left || now.right || (Mode.tracking & TRACK_MOVES) != 0) && Input.moved) &&
                   WaitOf(who, 1) != 0 && !(who == Waiting::Release && !ButtonHeld());
     }
     Input.x = now.x;
@@ -284,43 +316,21 @@ bool InputStep(Waiting who) {
     if (Input.wheel != 0 && PaneWheel(Input.x, Input.y, Input.wheel)) {
         Input.wheel = 0;
     }
-    // A handler may wait itself or set the key code; only what came with this step is left for the event
-    // loop.
-    const std::int32_t key = Input.keyCode;
-    const std::int32_t wheel = Input.wheel;
-    if (key >= MENU_CODE_FIRST && key < MENU_CODE_END) {
-        const std::int32_t command = key - MENU_CODE_FIRST;
-        MenuPick(command / 256, command % 256);
-        Input.keyCode = 0;
-        Input.wheel = wheel;
+    if (UsesStepUp(TakeMenuPick)) {
         return false;
     }
     if (pressSpent) {
         PressSpend();
-        return Mode.wait == 32 && Input.keyCode == 32;
+        return SpaceHasCome();
     }
-    if (ButtonHeld()) {
-        const bool used = HandlePress(!leftBefore && !rightBefore);
-        Input.keyCode = used ? 0 : key;
-        Input.wheel = wheel;
-        if (used) {
-            return false;
-        }
-    }
-    if (Held(Mode.tracking, Input.left, Input.right) && CursorTrack(Input.x, Input.y)) {
-        PanesCursorMoved();
-    }
-    if (Mode.wait == 32) {
-        return Input.keyCode == 32;
-    }
-    if (Mode.wait != 1 && Mode.wait != 2) {
+    const bool fresh = !leftBefore && !rightBefore;
+    if (ButtonHeld() && UsesStepUp([fresh] { return TakePress(fresh); })) {
         return false;
     }
-    const bool come = Mode.wait == 1 ? Input.left || leftBefore : Input.right || rightBefore;
-    if (come) {
-        WaitRelease();
+    if (IsTracking() && CursorTrack(Input.x, Input.y)) {
+        PanesCursorMoved();
     }
-    return come;
+    return SpaceHasCome() || ButtonHasCome(leftBefore, rightBefore);
 }
 
 bool CallHandler(std::int32_t handler, std::initializer_list<std::int32_t> arguments) {

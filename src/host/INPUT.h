@@ -22,9 +22,12 @@ struct CurrentInput {
 extern CurrentInput Input;
 
 inline constexpr std::int32_t KEY_SPECIAL = 0x8000;
+inline constexpr std::int32_t KEY_ESCAPE = 27;
 inline constexpr std::int32_t KEY_DELETE = 0x8013;
 inline constexpr std::int32_t MENU_CODE_FIRST = 0x7000;
 inline constexpr std::int32_t MENU_CODE_END = 0x7C00;
+inline constexpr std::int32_t MOUSE_LEFT = 1;
+inline constexpr std::int32_t MOUSE_RIGHT = 2;
 inline constexpr std::int32_t SHIFT_KEY = 1;
 inline constexpr std::int32_t CTRL_KEY = 2;
 
@@ -50,11 +53,14 @@ void HandlersReset();
 void BindSpecialKey(std::int32_t number, std::int32_t handler);
 
 // What `InputMode` sets.
+inline constexpr std::int32_t WAIT_LEFT = 1, WAIT_RIGHT = 2, WAIT_SPACE = 32;
+inline constexpr std::int32_t TRACK_LEFT = 1, TRACK_RIGHT = 2, TRACK_MOVES = 4, TRACK_TIMED = 8;
 struct WaitMode {
-    std::int32_t wait = 1;  // 1 left button, 2 right button, 32 the space key
-    // 1 left, 2 right: the 3-D cursor follows the button; 4: moves end a step; 8: the timed handler has its
-    // turn
-    std::int32_t tracking = 2;
+    // What an input step waits for: one of the buttons, or the space key.
+    std::int32_t wait = WAIT_LEFT;
+    // Bits: the 3-D cursor follows a button; the pointer's moves end a step; the timed handler has its turn
+    // in a script's waits, and ends them.
+    std::int32_t tracking = TRACK_RIGHT;
 };
 extern WaitMode Mode;
 
@@ -64,6 +70,7 @@ extern bool QuitFlag;
 // Who waits. The event loop's steps end also when it has something to call beside input (LOOPEVENT.h); a wait
 // for the release also when a handler inside it has seen the release.
 enum class Waiting : std::uint8_t { Script, EventLoop, Release };
+bool ButtonHeld();
 // What InputMode has set lets the timed handler be called in a script's waits.
 bool TimedHandlerAllowed();
 // Lets the window deliver messages until a key, a button change, a drag or a wheel turn comes; takes it as

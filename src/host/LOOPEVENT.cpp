@@ -50,10 +50,6 @@ void CallTimedHandler() {
     CallHandler(timedHandler, {});
 }
 
-bool Held() {
-    return Input.left || Input.right;
-}
-
 }  // namespace
 
 void LoopEventsReset() {
@@ -86,26 +82,26 @@ void DropPut(std::string path) {
 }
 
 std::int32_t LoopEventWait(std::int32_t most) {
-    if (Held()) {
+    if (ButtonHeld()) {
         return most;
     }
     return dropped.empty() ? TimedEventWait(most) : 0;
 }
 
 std::int32_t TimedEventWait(std::int32_t most) {
-    return timedHandler < 0 || Held()
+    return timedHandler < 0 || ButtonHeld()
                ? most
                : static_cast<std::int32_t>(std::min(TimeLeft(), static_cast<std::uint32_t>(most)));
 }
 
 void TimedEventCall() {
-    if (timedHandler >= 0 && TimeLeft() == 0 && !Held() && !QuitFlag) {
+    if (timedHandler >= 0 && TimeLeft() == 0 && !ButtonHeld() && !QuitFlag) {
         CallTimedHandler();
     }
 }
 
 void LoopEventCall() {
-    if (!dropped.empty() && !Held() && !QuitFlag) {
+    if (!dropped.empty() && !ButtonHeld() && !QuitFlag) {
         const std::string path = std::move(dropped.front());
         dropped.pop_front();
         CallDropHandler(path);

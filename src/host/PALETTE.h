@@ -11,6 +11,7 @@ struct PaletteColour {
 };
 
 extern std::array<PaletteColour, 16> Palette;
+inline constexpr std::int32_t PULSE_ENTRY = 14;  // the highlight colour, which swells and fades
 
 // The colours at the start.
 void PaletteInit();

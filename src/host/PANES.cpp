@@ -75,49 +75,6 @@ std::string Coordinate(const char* format, std::int32_t value) {
     return text;
 }
 
-void AddAttributeRows(std::vector<PaneRow>& rows) {
-    rows.push_back({0, "ｱﾄﾘﾋﾞｭｰﾄ"_sjis, false, true});
-    rows.push_back({1, attributeTop > 0 ? "   ▲"_sjis : "", false, true});
-    for (std::int32_t i = 0; i < AttributeRows(); ++i) {
-        const std::int32_t n = attributeTop + i;
-        if (n <= AttrLast && n < AttributeCount && AttrTable[n].used != 0) {
-            rows.push_back({ATTRIBUTES_FIRST + i, ListName(AttrTable[n].name), n == AttrCurrent, false});
-        }
-    }
-    const bool more = attributeTop + AttributeRows() <= AttrLast;
-    rows.push_back({Rows() - ATTRIBUTES_MARK_UP, more ? "   ▼"_sjis : "", false, true});
-}
-
-void AddObjectRows(std::vector<PaneRow>& rows) {
-    const std::int32_t first = Rows() - OBJECTS_TOP_UP;
-    rows.push_back({first, objectTop > 0 ? "ｵﾌﾞｼﾞｪ▲"_sjis : "ｵﾌﾞｼﾞｪｸﾄ"_sjis, false, true});
-    for (std::int32_t i = 0; i < OBJECT_ROWS; ++i) {
-        const std::int32_t n = objectTop + i;
-        if (n <= ObjLast && n < ObjectTableSize && ObjTable[n].used != 0) {
-            rows.push_back({first + 1 + i, ListName(ObjTable[n].name), n == ObjCurrent, false});
-        }
-    }
-    const bool more = objectTop + OBJECT_ROWS <= ObjLast;
-    rows.push_back({Rows() - OBJECTS_BOTTOM_UP, more ? "   ▼"_sjis : "", false, true});
-}
-
-void Scroll(std::int32_t& top, std::int32_t by, std::int32_t last, std::int32_t visible) {
-    top = std::clamp(top + by, 0, std::max(last + 1 - visible, 0));
-    HostWindow().Invalidate(Pane::List);
-}
-
-// Scrolls a list by one entry at once and again every 200 ms while a button is held.
-void ScrollWhileHeld(std::int32_t& top, std::int32_t by, std::int32_t last, std::int32_t visible) {
-    std::uint32_t next = HostWindow().Milliseconds();
-    while ((Input.left || Input.right) && !QuitFlag) {
-        if (static_cast<std::int32_t>(HostWindow().Milliseconds() - next) >= 0) {
-            Scroll(top, by, last, visible);
-            next += SCROLL_INTERVAL;
-        }
-        HostDeliverHeld();
-    }
-}
-
 // The attribute whose name stands in a row, or -1.
 std::int32_t AttributeOfRow(std::int32_t row) {
     if (row < ATTRIBUTES_FIRST || row >= ATTRIBUTES_FIRST + AttributeRows()) {
@@ -135,6 +92,49 @@ std::int32_t ObjectOfRow(std::int32_t row) {
     }
     const std::int32_t n = objectTop + place;
     return n <= ObjLast && n < ObjectTableSize && ObjTable[n].used != 0 ? n : -1;
+}
+
+void AddAttributeRows(std::vector<PaneRow>& rows) {
+    rows.push_back({0, "ｱﾄﾘﾋﾞｭｰﾄ"_sjis, false, true});
+    rows.push_back({1, attributeTop > 0 ? "   ▲"_sjis : "", false, true});
+    for (std::int32_t i = 0; i < AttributeRows(); ++i) {
+        const std::int32_t row = ATTRIBUTES_FIRST + i;
+        if (const std::int32_t n = AttributeOfRow(row); n >= 0) {
+            rows.push_back({row, ListName(AttrTable[n].name), n == AttrCurrent, false});
+        }
+    }
+    const bool more = attributeTop + AttributeRows() <= AttrLast;
+    rows.push_back({Rows() - ATTRIBUTES_MARK_UP, more ? "   ▼"_sjis : "", false, true});
+}
+
+void AddObjectRows(std::vector<PaneRow>& rows) {
+    const std::int32_t first = Rows() - OBJECTS_TOP_UP;
+    rows.push_back({first, objectTop > 0 ? "ｵﾌﾞｼﾞｪ▲"_sjis : "ｵﾌﾞｼﾞｪｸﾄ"_sjis, false, true});
+    for (std::int32_t i = 0; i < OBJECT_ROWS; ++i) {
+        const std::int32_t row = first + 1 + i;
+        if (const std::int32_t n = ObjectOfRow(row); n >= 0) {
+            rows.push_back({row, ListName(ObjTable[n].name), n == ObjCurrent, false});
+        }
+    }
+    const bool more = objectTop + OBJECT_ROWS <= ObjLast;
+    rows.push_back({Rows() - OBJECTS_BOTTOM_UP, more ? "   ▼"_sjis : "", false, true});
+}
+
+void Scroll(std::int32_t& top, std::int32_t by, std::int32_t last, std::int32_t visible) {
+    top = std::clamp(top + by, 0, std::max(last + 1 - visible, 0));
+    HostWindow().Invalidate(Pane::List);
+}
+
+// Scrolls a list by one entry at once and again every 200 ms while a button is held.
+void ScrollWhileHeld(std::int32_t& top, std::int32_t by, std::int32_t last, std::int32_t visible) {
+    std::uint32_t next = HostWindow().Milliseconds();
+    while (ButtonHeld() && !QuitFlag) {
+        if (static_cast<std::int32_t>(HostWindow().Milliseconds() - next) >= 0) {
+            Scroll(top, by, last, visible);
+            next += SCROLL_INTERVAL;
+        }
+        HostDeliverHeld();
+    }
 }
 
 void PressAttributes(std::int32_t row) {

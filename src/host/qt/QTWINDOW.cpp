@@ -22,6 +22,7 @@
 #include "host/HOST.h"
 #include "host/INPUT.h"
 #include "host/LOOPEVENT.h"
+#include "host/PALETTE.h"
 #include "host/PANES.h"
 #include "host/qt/KEYTABLE.h"
 #include "host/qt/QTDIALOG.h"
@@ -38,7 +39,6 @@ constexpr int FONT_PIXELS = 16;
 constexpr int WHEEL_TURN = 120;
 constexpr std::size_t KEYS_MOST = 64;  // typed ahead
 constexpr std::size_t F10 = 10;        // among the special keys
-constexpr std::uint8_t PULSE_ENTRY = 14;
 
 // A fixed-pitch font in which a half-width character is half a full-width one.
 QFont JapaneseFont() {
@@ -139,7 +139,8 @@ InputState QtWindow::TakeInput() {
 }
 
 bool QtWindow::TakeBreakKey() {
-    return TakeKey([](const PendingKey& key) { return key.code == 0x8013 && key.shift == 3; });
+    return TakeKey(
+        [](const PendingKey& key) { return key.code == KEY_DELETE && key.shift == (SHIFT_KEY | CTRL_KEY); });
 }
 
 bool QtWindow::TakeCloseRequest() {
@@ -147,7 +148,7 @@ bool QtWindow::TakeCloseRequest() {
 }
 
 bool QtWindow::TakeEscapeKey() {
-    return TakeKey([](const PendingKey& key) { return key.code == 27; });
+    return TakeKey([](const PendingKey& key) { return key.code == KEY_ESCAPE; });
 }
 
 template <class Test>
@@ -198,8 +199,8 @@ void QtWindow::ShowTip(const QHelpEvent& event) {
 }
 
 void QtWindow::TakeShift(Qt::KeyboardModifiers modifiers) {
-    state_.shift =
-        ((modifiers & Qt::ShiftModifier) != 0 ? 1 : 0) | ((modifiers & Qt::ControlModifier) != 0 ? 2 : 0);
+    state_.shift = ((modifiers & Qt::ShiftModifier) != 0 ? SHIFT_KEY : 0) |
+                   ((modifiers & Qt::ControlModifier) != 0 ? CTRL_KEY : 0);
 }
 
 // Keys typed ahead wait in order.
