@@ -12,6 +12,7 @@ AttributeRecord* AttrTable = nullptr;
 std::int32_t AttributeCount = 0;
 std::int32_t AttrLast = 0;
 std::int32_t AttrCurrent = 0;
+std::uint32_t AttrRevision = 0;
 
 namespace {
 

@@ -25,9 +25,11 @@ struct AttributeRecord {
 };
 
 extern AttributeRecord* AttrTable;
-extern std::int32_t AttributeCount;
-extern std::int32_t AttrLast;     // highest index in use; 0 also when there is none
-extern std::int32_t AttrCurrent;  // the attribute scripts give new polygons
+extern std::int32_t AttributeCount;  // records of the table, in use or not
+extern std::int32_t AttrLast;        // highest index in use; 0 also when there is none
+extern std::int32_t AttrCurrent;     // the attribute scripts give new polygons
+// Grows with every change of what is shown of the attributes: panes compare it to know that they are stale.
+extern std::uint32_t AttrRevision;
 
 void AttrInit(std::int32_t count);
 void AttrExit();

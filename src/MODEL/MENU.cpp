@@ -6,7 +6,8 @@
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "ML/STRING.h"
-#include "MODEL/POLY.h"
+#include "MODEL/ATR.h"
+#include "MODEL/OBJ.h"
 #include "host/HOST.h"
 #include "host/MENUBAR.h"
 #include "host/PANES.h"
@@ -282,6 +283,7 @@ std::int32_t EnableOfText(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
+// "MenuQuery" and "MenuEnable" report their arguments under borrowed names: scripts know them so.
 constexpr BuiltIn FUNCTIONS[] = {
     {"Menu", "MenuPosition", PlaceMenu, Takes("MenuPosition", {TYPE_OBJECT, TYPE_INT})},
     {"", "MenuPosition", MenuOfPosition, Takes("MenuPosition", {TYPE_INT})},

@@ -12,6 +12,7 @@ std::int32_t ObjectTableSize = 0;
 std::int32_t ObjLast = 0;
 std::int32_t ModelEdit = 0;
 std::int32_t ObjCurrent = 0;
+std::uint32_t ObjRevision = 0;
 
 void ObjInit(std::int32_t count) {
     ObjectTableSize = count > 0 ? count : 0;

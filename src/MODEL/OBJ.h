@@ -14,9 +14,11 @@ struct ObjectRecord {
 };
 
 extern ObjectRecord* ObjTable;
-extern std::int32_t ObjectTableSize;
-extern std::int32_t ObjLast;
-extern std::int32_t ObjCurrent;
+extern std::int32_t ObjectTableSize;  // records of the table, in use or not
+extern std::int32_t ObjLast;          // highest index in use; 0 also when there is none
+extern std::int32_t ObjCurrent;       // the object scripts give new polygons
+// As AttrRevision, of the objects.
+extern std::uint32_t ObjRevision;
 // 1 when the model has changed otherwise than an object: a change of it alone needs no object to be told.
 extern std::int32_t ModelEdit;
 

@@ -18,8 +18,6 @@ PolygonRecord* CurrentPolygon = nullptr;
 PolygonRecord* LoadedPolygon = nullptr;
 std::int32_t MaxVertex = 0;
 std::int32_t SelectCount = 0;
-std::uint32_t AttrRevision = 0;
-std::uint32_t ObjRevision = 0;
 
 namespace {
 
@@ -27,7 +25,6 @@ constexpr std::uint32_t ID_LAST = 0x7FFFFFFF;
 std::uint32_t lastId = 0;        // of the records given so far
 std::uint32_t loadedLayout = 0;  // BufLayout when LoadedPolygon was last known to be a record
 
-constexpr std::int32_t HEADER_BYTES = 24;    // of a polygon record, before its vertices
 constexpr std::int32_t INDEX_LIMIT = 32767;  // table indices and vertex numbers are 16-bit words of a record
 
 DataBuffer* BlockOf(PolygonRecord* polygon) {
@@ -108,7 +105,7 @@ void ModelExit() {
 
 std::int32_t PolygonSize(std::int32_t vers) {
     Check(0 < vers && vers < VERTEX_LIMIT, "0 < vers && vers < 1024");
-    return HEADER_BYTES + 16 * vers;
+    return POLYGON_HEADER_BYTES + std::int32_t{sizeof(VertexRecord)} * vers;
 }
 
 void PlaneNormal(std::span<const VertexRecord> vertices, std::int16_t normal[3]) {

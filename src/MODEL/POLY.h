@@ -1,6 +1,7 @@
 // Polygons: records in the data buffer, the edit buffer CurrentPolygon, and the walk over the selected ones.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -38,7 +39,8 @@ struct PolygonRecord {
     std::span<VertexRecord> Vertices() { return {vertex, static_cast<std::size_t>(vers)}; }
     std::span<const VertexRecord> Vertices() const { return {vertex, static_cast<std::size_t>(vers)}; }
 };
-static_assert(sizeof(PolygonRecord) == 40);
+inline constexpr std::int32_t POLYGON_HEADER_BYTES = offsetof(PolygonRecord, vertex);
+static_assert(POLYGON_HEADER_BYTES == 24 && sizeof(PolygonRecord) == 40);
 
 // Every new record gets an id of its own, not 0; it goes with the record through changes, moving blocks and
 // undoing. A copy is another record. (After 2^31 records the ids begin again.)
@@ -51,10 +53,6 @@ extern PolygonRecord* CurrentPolygon;
 extern PolygonRecord* LoadedPolygon;
 extern std::int32_t MaxVertex;    // vertices that CurrentPolygon has room for; no record has more
 extern std::int32_t SelectCount;  // records whose `select` is not 0
-// Grows with every change of the model, its attributes or its objects; panes and views compare it to know
-// that they are stale.
-extern std::uint32_t AttrRevision;
-extern std::uint32_t ObjRevision;
 
 // Makes an empty model. Counts beyond what a record's 16-bit words can name are cut to 32767. False when the
 // heap has no room for its tables.

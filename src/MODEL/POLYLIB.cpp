@@ -10,6 +10,7 @@
 #include "MODEL/POLY.h"
 #include "MODEL/SELECT.h"
 #include "MODEL/SHADE.h"
+#include "MODEL/SUFTEXT.h"
 #include "MODEL/UNDO.h"
 #include "MODEL/VERTEX.h"
 #include "text/sjis.h"
@@ -188,8 +189,8 @@ constexpr ConstantRow CONSTANTS[] = {
     {"POLY_SHADE", IntCell(POLY_SHADE)},
     {"POLY_UV", IntCell(POLY_UV)},
     {"POLY_UVSHADE", IntCell(POLY_UVSHADE)},
-    {"FILE_OVERWRITE", IntCell(0)},
-    {"FILE_APPEND", IntCell(1)},
+    {"FILE_OVERWRITE", IntCell(FILE_OVERWRITE)},
+    {"FILE_APPEND", IntCell(FILE_APPEND)},
     {"OBJ_CREATE", IntCell(0)},
     {"OBJ_APPEND", IntCell(1)},
     {"ATTR_CREATE", IntCell(0)},

@@ -18,7 +18,8 @@ constexpr std::int32_t POLYGONS_BETWEEN_POLLS = 8192;
 std::int32_t polygonsToPoll = POLYGONS_BETWEEN_POLLS;
 
 // Where vertices are read when the end of the data buffer has no room for the largest polygon.
-alignas(PolygonRecord) std::array<char, 24 + 16 * VERTEX_LIMIT> besideBuffer;
+alignas(
+    PolygonRecord) std::array<char, POLYGON_HEADER_BYTES + sizeof(VertexRecord) * VERTEX_LIMIT> besideBuffer;
 
 enum class Outcome { read, noNumber, tooMany };
 
