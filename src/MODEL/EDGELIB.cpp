@@ -19,7 +19,6 @@ namespace {
 
 std::int32_t edgeClass = -1;
 
-constexpr std::int32_t SLOTS_STEP = 256;
 constexpr std::int32_t USES_MOST = 9999;  // the upper bound of "EdgeSelectCount" when none is given
 
 struct EdgeData {
@@ -31,15 +30,10 @@ struct EdgeData {
 
 using Elements = std::span<const EdgeRecord>;
 
-// Slots of a new set for n edges.
-std::int32_t SlotsFor(std::size_t n) {
-    return (static_cast<std::int32_t>(n) / SLOTS_STEP + 1) * SLOTS_STEP;
-}
-
 // Pushes a set of sorted edges. A set that grew out of another has at least its slots.
 std::int32_t PushEdges(Elements edges, const EdgeBox& box, std::int32_t slots) {
     const auto count = static_cast<std::int32_t>(edges.size());
-    const std::int32_t capacity = std::max(slots, (count + SLOTS_STEP - 1) / SLOTS_STEP * SLOTS_STEP);
+    const std::int32_t capacity = SlotsOfGrownSet(edges.size(), slots);
     ObjectBlock* block = ObjectAlloc(
         offsetof(EdgeData, edges) + sizeof(EdgeRecord) * static_cast<std::size_t>(capacity), edgeClass);
     auto* data = reinterpret_cast<EdgeData*>(block->Data());
@@ -63,7 +57,7 @@ EdgeBox BoxOf(Elements edges) {
 }
 
 std::int32_t PushNewEdges(Elements edges) {
-    return PushEdges(edges, BoxOf(edges), SlotsFor(edges.size()));
+    return PushEdges(edges, BoxOf(edges), SlotsOfNewSet(edges.size()));
 }
 
 EdgeEnd EndOf(const DataCell& vertex) {
@@ -132,9 +126,7 @@ std::int32_t GetVertex(std::int32_t, std::int32_t, DataCell* argv) {
     }
     const EdgeEnd ends[2] = {edge->first, edge->second};
     for (int i = 0; i < 2; ++i) {
-        StackPushVertex({ends[i].x, ends[i].y, ends[i].z, 0, 0, 0, 0, 0}, 0);
-        CellAssign(ArrayElements(argv[2])[i], *StackTop());
-        StackPop();
+        StoreVertex(argv[2], i, {ends[i].x, ends[i].y, ends[i].z, 0, 0, 0, 0, 0});
     }
     return NO_RESULT;
 }

@@ -131,9 +131,7 @@ std::int32_t PickEdge(std::int32_t, std::int32_t, DataCell* argv) {
     VertexRecord ends[2]{};
     const bool found = ViewPickEdge(argv[0].integer, argv[1].integer, ends[0], ends[1]);
     for (int i = 0; found && i < 2; ++i) {
-        StackPushVertex(ends[i], 0);
-        CellAssign(ArrayElements(argv[2])[i], *StackTop());
-        StackPop();
+        StoreVertex(argv[2], i, ends[i]);
     }
     StackPushBool(found);
     return RESULT;

@@ -78,9 +78,7 @@ std::int32_t BoundingBox(std::int32_t, std::int32_t, DataCell* argv) {
     VertexRecord corners[2];
     const bool any = SelectBounds(corners[0], corners[1]);
     for (int corner = 0; any && corner < 2; ++corner) {
-        StackPushVertex(corners[corner], 0);
-        CellAssign(ArrayElements(argv[0])[corner], *StackTop());
-        StackPop();
+        StoreVertex(argv[0], corner, corners[corner]);
     }
     StackPushBool(any);
     return RESULT;

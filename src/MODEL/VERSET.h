@@ -2,7 +2,9 @@
 // binary search and set operations are merges.
 #pragma once
 
+#include <algorithm>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -16,8 +18,16 @@ namespace quelmark {
 // Registers the class VertexSet; after polygons and edges.
 void VertexSetRegister();
 bool IsVertexSet(const DataCell& cell);
-// The elements of a VertexSet object, valid while it lives; and the slots that its block has, a multiple of
-// 256.
+// A set's block has slots for its elements in steps, and scripts see their number: a new one of n elements
+// always has a free slot, one that grew out of another has at least its slots.
+inline constexpr std::int32_t SLOTS_STEP = 256;
+constexpr std::int32_t SlotsOfNewSet(std::size_t n) {
+    return (static_cast<std::int32_t>(n) / SLOTS_STEP + 1) * SLOTS_STEP;
+}
+constexpr std::int32_t SlotsOfGrownSet(std::size_t n, std::int32_t slotsBefore) {
+    return std::max(slotsBefore, (static_cast<std::int32_t>(n) + SLOTS_STEP - 1) / SLOTS_STEP * SLOTS_STEP);
+}
+// The elements of a VertexSet object, valid while it lives; and the slots of its block.
 std::span<const VertexRecord> VertexSetElements(const DataCell& cell);
 std::int32_t VertexSetCapacity(const DataCell& cell);
 

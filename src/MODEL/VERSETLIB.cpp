@@ -18,9 +18,6 @@ namespace {
 
 std::int32_t setClass = -1;
 
-constexpr std::int32_t SLOTS_STEP = 256;
-constexpr std::uint32_t ALL_VALID = 3;
-
 struct SetData {
     std::int32_t capacity;
     std::int32_t count;
@@ -29,15 +26,10 @@ struct SetData {
 
 using Elements = std::span<const VertexRecord>;
 
-// Slots of a new set for n elements.
-std::int32_t SlotsFor(std::size_t n) {
-    return (static_cast<std::int32_t>(n) / SLOTS_STEP + 1) * SLOTS_STEP;
-}
-
 // Pushes a set of sorted elements. A set that grew out of another has at least its slots.
 void PushSet(Elements elements, std::int32_t slots) {
     const auto count = static_cast<std::int32_t>(elements.size());
-    const std::int32_t capacity = std::max(slots, (count + SLOTS_STEP - 1) / SLOTS_STEP * SLOTS_STEP);
+    const std::int32_t capacity = SlotsOfGrownSet(elements.size(), slots);
     ObjectBlock* block = ObjectAlloc(
         offsetof(SetData, elements) + sizeof(VertexRecord) * static_cast<std::size_t>(capacity), setClass);
     auto* data = reinterpret_cast<SetData*>(block->Data());
@@ -50,7 +42,7 @@ void PushSet(Elements elements, std::int32_t slots) {
 }
 
 std::int32_t PushNewSet(Elements elements) {
-    PushSet(elements, SlotsFor(elements.size()));
+    PushSet(elements, SlotsOfNewSet(elements.size()));
     return RESULT;
 }
 
@@ -61,11 +53,7 @@ bool ReadElement(const DataCell& cell, VertexRecord& vertex) {
         return true;
     }
     if (IsVector(cell)) {
-        const Vector& vector = ObjectData<Vector>(cell);
-        vertex = {};
-        vertex.x = ToCoordinate(static_cast<double>(vector.x));
-        vertex.y = ToCoordinate(static_cast<double>(vector.y));
-        vertex.z = ToCoordinate(static_cast<double>(vector.z));
+        vertex = ToPosition(ObjectData<Vector>(cell));
         return true;
     }
     return false;
@@ -115,7 +103,7 @@ std::int32_t GetVertex(std::int32_t, std::int32_t, DataCell* argv) {
             return NO_RESULT;
         }
         const VertexRecord vertex = elements[static_cast<std::size_t>(n)];
-        StackPushVertex(vertex, ALL_VALID);
+        StackPushVertex(vertex, VALID_NORMAL | VALID_MAPPING);
         return RESULT;
     }
     VertexRecord vertex;
@@ -210,7 +198,7 @@ std::int32_t Combine(std::int32_t code, std::int32_t, DataCell* argv) {
         const std::vector<VertexRecord> result = Merge(code, left, right);
         const bool isNew = code == OP_AND || code == OP_MULTIPLY;
         const bool fromLeft = code == OP_SUBTRACT || left.size() > right.size();
-        PushSet(result, isNew ? SlotsFor(result.size()) : fromLeft ? slots : VertexSetCapacity(operand));
+        PushSet(result, isNew ? SlotsOfNewSet(result.size()) : fromLeft ? slots : VertexSetCapacity(operand));
         return RESULT;
     }
     VertexRecord vertex;

@@ -18,9 +18,6 @@ std::int32_t VertexClass = -1;
 
 namespace {
 
-constexpr std::uint32_t VALID_NORMAL = 1;
-constexpr std::uint32_t VALID_MAPPING = 2;
-
 [[noreturn]] void ReportConstructor() {
     RuntimeError("%s", "引数の型が不正です。（Vertex）"_sjis);
 }
@@ -174,10 +171,6 @@ std::int32_t VertexLength2(std::int32_t, std::int32_t, DataCell* argv) {
     return RESULT;
 }
 
-std::int16_t Wrap16(std::int32_t value) {
-    return static_cast<std::int16_t>(static_cast<std::uint16_t>(value));
-}
-
 // The right operand of + and -: a Vertex with what is valid of it, or a Vector as a position.
 VertexRecord Summand(const DataCell& cell, std::int32_t code) {
     VertexRecord v{};
@@ -191,10 +184,7 @@ VertexRecord Summand(const DataCell& cell, std::int32_t code) {
             v.u = v.v = 0;
         }
     } else if (IsVector(cell)) {
-        const Vector& vector = ObjectData<Vector>(cell);
-        v.x = ToCoordinate(static_cast<double>(vector.x));
-        v.y = ToCoordinate(static_cast<double>(vector.y));
-        v.z = ToCoordinate(static_cast<double>(vector.z));
+        v = ToPosition(ObjectData<Vector>(cell));
     } else {
         RuntimeError("%s",
                      code == OP_ADD ? "型が不正です。（演算子+）"_sjis : "型が不正です。（演算子-）"_sjis);
@@ -206,7 +196,7 @@ std::int32_t AddOrSubtract(std::int32_t code, std::int32_t, DataCell* argv) {
     VertexObject result = VertexOf(argv[0]);
     const VertexRecord right = Summand(argv[1], code);
     const std::int32_t sign = code == OP_ADD ? 1 : -1;
-    const auto apply = [sign](std::int16_t& word, std::int16_t by) { word = Wrap16(word + sign * by); };
+    const auto apply = [sign](std::int16_t& word, std::int16_t by) { word = CutTo16(word + sign * by); };
     VertexRecord& v = result.vertex;
     apply(v.x, right.x);
     apply(v.y, right.y);
@@ -281,8 +271,22 @@ VertexObject& VertexOf(const DataCell& cell) {
     return ObjectData<VertexObject>(cell);
 }
 
+void StoreVertex(const DataCell& array, std::int32_t index, const VertexRecord& position) {
+    StackPushVertex(position, 0);
+    CellAssign(ArrayElements(array)[index], *StackTop());
+    StackPop();
+}
+
 std::int16_t ToCoordinate(double value) {
-    return Wrap16(RealToInt(value));
+    return CutTo16(RealToInt(value));
+}
+
+VertexRecord ToPosition(const Vector& vector) {
+    VertexRecord position{};
+    position.x = ToCoordinate(static_cast<double>(vector.x));
+    position.y = ToCoordinate(static_cast<double>(vector.y));
+    position.z = ToCoordinate(static_cast<double>(vector.z));
+    return position;
 }
 
 }  // namespace quelmark

@@ -71,7 +71,7 @@ std::int32_t CursorToVertex(std::int32_t, std::int32_t, DataCell* argv) {
 }
 
 std::int32_t CursorToVector(std::int32_t, std::int32_t, DataCell* argv) {
-    const VertexRecord vertex = ToVertexRecord(PointOfVector(argv[0]));
+    const VertexRecord vertex = ToPosition(ObjectData<Vector>(argv[0]));
     CursorMove(PointOf(vertex));
     PanesCursorMoved();
     StackPushVertex(vertex, 0);
@@ -180,11 +180,8 @@ ModelPoint Corner(const VertexRecord& a, const VertexRecord& b, int bits, const 
     VertexRecord v{
         (bits & 1) != 0 ? b.x : a.x, (bits & 2) != 0 ? b.y : a.y, (bits & 4) != 0 ? b.z : a.z, 0, 0, 0, 0, 0};
     if (matrix != nullptr) {
-        const Vector moved =
-            MatrixApply({static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)}, *matrix);
-        v.x = ToCoordinate(static_cast<double>(moved.x));
-        v.y = ToCoordinate(static_cast<double>(moved.y));
-        v.z = ToCoordinate(static_cast<double>(moved.z));
+        v = ToPosition(MatrixApply(
+            {static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z)}, *matrix));
     }
     return ViewConverted(v);
 }
@@ -211,15 +208,11 @@ std::int32_t DrawBox(std::int32_t, std::int32_t argc, DataCell* argv) {
     return NO_RESULT;
 }
 
+// Behind the text a Vertex or a pane point, then perhaps a colour.
 void CheckTextArguments(std::int32_t argc, const DataCell* argv) {
-    if (argc > 1 && argv[1].type == TYPE_OBJECT) {
-        argc > 2 ? ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_OBJECT, TYPE_INT})
-                 : ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_OBJECT});
-    } else if (argc > 3) {
-        ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_INT, TYPE_INT, TYPE_INT});
-    } else {
-        ArgCheck("DrawText", argc, argv, {TYPE_OBJECT, TYPE_INT, TYPE_INT});
-    }
+    constexpr Signature AT_VERTEX = Takes("DrawText", {TYPE_OBJECT, TYPE_OBJECT, TYPE_INT}, 2);
+    constexpr Signature AT_POINT = Takes("DrawText", {TYPE_OBJECT, TYPE_INT, TYPE_INT, TYPE_INT}, 3);
+    ArgCheck(argc > 1 && argv[1].type == TYPE_OBJECT ? AT_VERTEX : AT_POINT, argc, argv);
 }
 
 // What a line of text takes on the screen, with room for the last letter's overhang.
@@ -246,7 +239,6 @@ void ShowText(std::string_view text, const PanePoint& at, std::int32_t view, con
     }
 }
 
-// String, then a pane point or a Vertex, then perhaps a colour.
 std::int32_t DrawText(std::int32_t, std::int32_t argc, DataCell* argv) {
     CheckTextArguments(argc, argv);
     const std::string_view text = StringText(argv[0]);
