@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Fails when a file includes a header of a higher layer, or Qt outside its own folder.
+# Fails when a file includes a header of a higher layer, or Qt outside its own folder, and when the page on the architecture leaves out a
+# module or names one that is not there.
 set -u
 cd "$1/src"
 order="text ML MATLIB MODEL reader view host BINDINGS"
@@ -23,4 +24,8 @@ if grep -rlE '#include <Q[A-Za-z]' --include='*.h' --include='*.cpp' . | grep -v
     echo "these include Qt outside host/qt"
     failed=1
 fi
+modules=$(find . -name '*.h' -o -name '*.cpp' | sed 's|.*/||; s|[.].*||' | grep -v '^main$' | sort -u)
+told=$(sed -n '/^## Modules/,/^The interpreter/p' ../docs/architecture.md | awk -F ' *[|] *' 'NF > 4 { print $3 }' | grep -o '`[A-Za-z0-9_]*`' | tr -d '`' | sort)
+diff <(printf '%s\n' "$modules") <(printf '%s\n' "$told" | uniq) ||
+    { echo "src and docs/architecture.md differ so"; failed=1; }
 exit $failed
