@@ -149,14 +149,52 @@ struct PlainPicture {
             points.push_back(Converted(v.x, v.y, v.z));
         }
         for (int view = 0; view < VIEW_COUNT; ++view) {
-            const bool shown = IsShown(view) && (views >> view & 1) != 0;
+            const bool shown = IsShown(view) && (views >> view & 1) != 0 &&
+                               !(view == 3 && ViewState.frontOnly && !ViewFacesViewer(polygon));
             for (std::size_t i = 0; shown && i < points.size(); ++i) {
                 Set(Segment(points[i], points[(i + 1) % points.size()], view), colour);
             }
             for (std::size_t i = 0; shown && marked && i < points.size(); ++i) {
-                Mark(points[i], view, colour);
+                if (ViewState.visibleVertex > 0) {
+                    Mark(points[i], view, colour);
+                }
+                if (ViewState.visibleVector != 0 && (polygon.type & POLY_SHADE) != 0) {
+                    Vector(points[i], &vertices[i].nx, view);
+                }
+            }
+            if (shown && marked && ViewState.visiblePolyVector != 0) {
+                Triple middle{0, 0, 0};
+                for (std::size_t axis = 0; axis < 3; ++axis) {
+                    for (const Triple& point : points) {
+                        middle[axis] += point[axis];
+                    }
+                    middle[axis] /= polygon.vers;
+                }
+                Vector(middle, polygon.normal, view);
             }
         }
+    }
+    // A normal of length 256 is 20 pixels long.
+    void Vector(const Triple& point, const std::int16_t* normal, int view) {
+        const EyePoint eye = Eye(point);
+        if (view == 3 && !(eye.x >= 1)) {
+            return;
+        }
+        const auto turned = [&](int column) {
+            const auto& m = ViewState.perspective.row;
+            return normal[0] * double{m[0][column]} + normal[1] * double{m[1][column]} +
+                   normal[2] * double{m[2][column]};
+        };
+        const auto steps = [](double part) {
+            const double length = part * 20 / 256;
+            return std::isnan(length)
+                       ? 0
+                       : static_cast<std::int64_t>(std::clamp(length, -268435456.0, 268435456.0));
+        };
+        const PanePoint at = view == 3 ? OnScreen(eye) : Flat(point, view);
+        const std::int64_t right = steps(view == 3 ? -turned(1) : normal[Right(view)]);
+        const std::int64_t up = steps(view == 3 ? turned(2) : normal[Up(view)]);
+        Set(PixelsOf(at, {at.x + right, at.y - up}, Clip(view)), COLOUR_VECTOR);
     }
     void Mark(const Triple& point, int view, std::uint8_t colour) {
         const EyePoint eye = Eye(point);
@@ -169,8 +207,9 @@ struct PlainPicture {
         }
     }
     void Grid(int view) {
-        const PixelRect c = Clip(view);
-        const PixelRect inner{c.left + 12, c.top + 12, c.right - 12, c.bottom - 12};
+        const PixelRect r = Views[view].Rect();
+        const PixelRect inner =
+            Intersection({r.left + 12, r.top + 12, r.right - 12, r.bottom - 12}, ViewFrame.Bounds());
         for (int turn = 0; turn < 2 && !IsEmpty(inner); ++turn) {
             const int axis = turn == 0 ? Right(view) : Up(view);
             const std::int64_t middle = turn == 0 ? Views[view].centreX : Views[view].centreY;
@@ -220,7 +259,7 @@ struct PlainPicture {
                     Outline(*p, views,
                             pass == 2 ? std::uint8_t{COLOUR_SELECTED}
                                       : static_cast<std::uint8_t>(AttrTable[p->attr].code & 7),
-                            ViewState.visibleVertex > 0);
+                            true);
                 }
             }
         }
@@ -229,7 +268,7 @@ struct PlainPicture {
     void Model() {
         bool covers = false;
         for (int view = 0; view < 3; ++view) {
-            const PixelRect shared = Intersection(Clip(view), Clip(3));
+            const PixelRect shared = Intersection(Views[view].Rect(), Views[3].Rect());
             covers =
                 covers || (IsShown(view) && IsShown(3) && !IsEmpty(shared) && shared.bottom - shared.top > 1);
         }
@@ -299,7 +338,7 @@ struct PlainPicture {
 class Drawing : public ScriptTest {
   protected:
     std::mt19937 random{11};
-    bool wild = false, withEveryFlag = false;
+    bool wild = false;
 
     void SetUp() override {
         ScriptTest::SetUp();
@@ -398,12 +437,12 @@ class Drawing : public ScriptTest {
             case 6:
                 ViewState.visibleVertex = Below(2);
                 ViewState.drawInvisible = Below(2) == 0;
-                ViewState.frontOnly = withEveryFlag && Below(2) == 0;
-                ViewState.visibleVector = withEveryFlag ? Below(2) : 0;
-                ViewState.visiblePolyVector = withEveryFlag ? Below(2) : 0;
+                ViewState.frontOnly = Below(2) == 0;
+                ViewState.visibleVector = Below(2);
+                ViewState.visiblePolyVector = Below(2);
                 break;
             default:
-                ViewSetMask(Below(2) == 0 ? WIN_ALL : Below(16));
+                ViewSetMask(Below(2) == 0 ? WIN_ALL : wild && Below(3) == 0 ? Number() : Below(16));
                 break;
         }
     }
@@ -429,6 +468,7 @@ class Drawing : public ScriptTest {
         return pixels;
     }
     void Compare(int rounds, int extent);
+    void DrawIntoThePicture();
 };
 
 void Drawing::Compare(int rounds, int extent) {
@@ -439,6 +479,9 @@ void Drawing::Compare(int rounds, int extent) {
         ViewEnableDrawing(true);
         std::vector<Band> bands;
         for (int step = Below(10); step > 0; --step) {
+            if (Below(6) == 0) {
+                ViewLayout(1 + Below(extent), 1 + Below(extent), 16);
+            }
             ChangeSetting();
             if (Below(3) == 0) {
                 bands.push_back(AnyBand());
@@ -478,7 +521,6 @@ TEST_F(Drawing, ExtremesAreDrawnLikeAPlainPicture) {
 }
 
 TEST_F(Drawing, BandsDrawnTwiceAndTheHiddenCursorLeaveNoTrace) {
-    withEveryFlag = true;
     for (int round = 0; round < 300; ++round) {
         BeginRound(round);
         std::vector<Band> bands;
@@ -499,8 +541,63 @@ TEST_F(Drawing, BandsDrawnTwiceAndTheHiddenCursorLeaveNoTrace) {
     }
 }
 
+// Redraws of every kind, changes between them and what is drawn into the picture, but no overlay.
+void Drawing::DrawIntoThePicture() {
+    for (int step = 0; step < 12; ++step) {
+        switch (Below(8)) {
+            case 0:
+                ChangeSetting();
+                break;
+            case 1:
+                ViewLayout(1 + Below(120), 1 + Below(120), 16);
+                break;
+            case 2:
+                OverlayModelLines(AnyBand().lines, LINE_OR);
+                break;
+            case 3:
+                OverlayModelMarks({{Number(), Number(), Number()}}, LINE_OR);
+                break;
+            case 4:
+                ViewDrawCurrent(false);
+                break;
+            case 5:
+                ViewRedrawMask(Below(3) == 0 ? Number() : Below(16), Below(2) == 0);
+                break;
+            default:
+                ViewRedraw({Below(120), Below(120), Below(160), Below(160)}, Below(2) == 0);
+                break;
+        }
+    }
+}
+
+TEST_F(Drawing, BeneathBandsAndCursorThePictureIsTheSameAsWithoutThem) {
+    for (int round = 0; round < 400; ++round) {
+        std::vector<std::uint8_t> pictures[2];
+        for (const bool covered : {false, true}) {
+            random.seed(static_cast<unsigned>(round));
+            BeginRound(round);
+            const std::mt19937 before = random;
+            const Band bands[] = {AnyBand(), AnyBand(), AnyBand()};
+            if (covered) {
+                CursorMove({Number(), Number(), Number()});
+                CursorShow(true);
+                std::ranges::for_each(bands, Toggle);
+            }
+            random = before;
+            DrawIntoThePicture();
+            if (round % 3 == 0) {
+                ViewClear(false);
+            } else if (covered) {
+                std::ranges::for_each(bands, Toggle);
+            }
+            CursorShow(false);
+            pictures[covered ? 1 : 0] = Shown();
+        }
+        ASSERT_TRUE(pictures[0] == pictures[1]) << "round " << round;
+    }
+}
+
 TEST_F(Drawing, ARedrawOfAnAreaChangesTheViewsThatItMeetsAlone) {
-    withEveryFlag = true;
     for (int round = 0; round < 300; ++round) {
         wild = round % 2 == 1;
         MakeModel();
@@ -534,7 +631,6 @@ void Tell(const PixelRect& rect) {
 }
 
 TEST_F(Drawing, NoPixelChangesOutsideTheRectanglesThatTheHostIsToldOf) {
-    withEveryFlag = true;
     ViewSetDamageHook(Tell);
     for (int round = 0; round < 300; ++round) {
         BeginRound(round);
