@@ -263,6 +263,56 @@ TEST_F(View3D, ThePerspectiveViewProjectsAndClipsAtTheEye) {
     ViewRedraw(WHOLE_AREA, true);
     EXPECT_EQ(Count(7, WIN_PERS), before);
 }
+// Where a turn and a move carry to the origin: the move back, turned back.
+std::array<double, 3> CarriedToTheOrigin(const Matrix& matrix, const std::array<double, 3>& origin) {
+    std::array<double, 3> point{};
+    for (std::size_t i = 0; i < 3; ++i) {
+        for (std::size_t k = 0; k < 3; ++k) {
+            point[i] +=
+                (origin[k] - static_cast<double>(matrix.row[3][k])) * static_cast<double>(matrix.row[i][k]);
+        }
+    }
+    return point;
+}
+
+TEST_F(View3D, APolygonFacesTheEyeOnTheSideOfItsNormalUnderAnyConversion) {
+    std::mt19937 random(12);
+    std::uniform_int_distribution<int> place(-300, 300), axis(0, 2), degrees(0, 359);
+    const auto any = [&](bool mirrored) {
+        Matrix m = MatrixProduct(MatrixRotation(axis(random), degrees(random)),
+                                 MatrixRotation(axis(random), degrees(random)));
+        for (float& element : m.row[3]) {
+            element = static_cast<float>(place(random));
+        }
+        for (int i = 0; mirrored && i < 3; ++i) {
+            m.row[i][0] = -m.row[i][0];
+        }
+        return m;
+    };
+    int facing = 0;
+    for (int round = 0; round < 2000; ++round) {
+        ViewInit();
+        const Matrix perspective = any(false), conversion = any(round % 3 == 0);
+        std::array<double, 3> eye = CarriedToTheOrigin(perspective, {0, 0, 0});
+        ViewSetPerspective(perspective);
+        if (round % 2 == 0) {
+            ViewSetConversion(conversion);
+            eye = CarriedToTheOrigin(conversion, eye);
+        }
+        Triangle(place(random), place(random), place(random), place(random), place(random), place(random),
+                 place(random), place(random), place(random), true);
+        const PolygonRecord& polygon = *PolygonTop();
+        const VertexRecord& v = polygon.vertex[1];
+        const double side = (eye[0] - v.x) * polygon.normal[0] + (eye[1] - v.y) * polygon.normal[1] +
+                            (eye[2] - v.z) * polygon.normal[2];
+        if (std::abs(side) > 2000) {  // normals are rounded
+            ASSERT_EQ(ViewFacesViewer(polygon), side > 0) << round;
+            facing += side > 0 ? 1 : 0;
+        }
+        PolygonDelete();
+    }
+    EXPECT_GT(facing, 500);
+}
 TEST_F(View3D, APickFindsTheNearestOutline) {
     Triangle(0, 0, 0, 50, 0, 0, 0, 50, 0);
     Triangle(0, 0, 0, -50, 0, 0, 0, -50, 0);
