@@ -13,6 +13,7 @@
 #include "host/PANES.h"
 #include "host/STARTUP.h"
 #include "text/holdfile.h"
+#include "text/path.h"
 #include "text/sjis.h"
 #include "view/VIEW.h"
 
@@ -102,6 +103,11 @@ std::int32_t Hold(std::int32_t, std::int32_t, DataCell* argv) {
     return RESULT;
 }
 
+std::int32_t Stamp(std::int32_t, std::int32_t, DataCell* argv) {
+    StackPushString(FileStamp(TextOf(argv[0])));
+    return RESULT;
+}
+
 template <std::int32_t PaneHandlers::*slot>
 std::int32_t SetHandler(std::int32_t, std::int32_t, DataCell* argv) {
     PaneEvents.*slot = argv[0].integer;
@@ -150,6 +156,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "UpdateAll", UpdateAll, Takes("UpdateAll", {})},
     {"String", "Modelrc", Modelrc, Takes("Modelrc", {TYPE_OBJECT, TYPE_OBJECT}, 1)},
     {"String", "HoldFile", Hold, Takes("HoldFile", {TYPE_OBJECT})},
+    {"String", "FileStamp", Stamp, Takes("FileStamp", {TYPE_OBJECT})},
     {"", "ControlEvent", SetHandler<&PaneHandlers::control>, Takes("ControlEvent", {TYPE_FUNC})},
     {"", "AttrEvent", SetHandler<&PaneHandlers::attribute>, Takes("AttrEvent", {TYPE_FUNC})},
     {"", "ObjEvent", SetHandler<&PaneHandlers::object>, Takes("ObjEvent", {TYPE_FUNC})},

@@ -167,6 +167,16 @@ std::string_view DirectoryPart(std::string_view scriptPath) {
     return separator == std::string_view::npos ? std::string_view() : scriptPath.substr(0, separator + 1);
 }
 
+std::string FileStamp(std::string_view scriptPath) {
+    const auto path = HostPath(scriptPath);
+    struct stat status {};
+    if (!path || path->empty() || ::stat(path->c_str(), &status) != 0) {
+        return "";
+    }
+    return std::to_string(status.st_size) + ' ' + std::to_string(status.st_mtim.tv_sec) + '.' +
+           std::to_string(status.st_mtim.tv_nsec);
+}
+
 bool HasExtension(std::string_view scriptPath) {
     return FindLastOf(FileNamePart(scriptPath), ".") != std::string_view::npos;
 }

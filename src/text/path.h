@@ -20,6 +20,8 @@ std::optional<std::string> ScriptPath(std::string_view hostPath);
 bool PathExists(std::string_view scriptPath);
 // True when it names a directory.
 bool PathIsDirectory(std::string_view scriptPath);
+// A text that is another one after the file has been written to; "" when there is no such file.
+std::string FileStamp(std::string_view scriptPath);
 // The current directory in drive-letter form ("C:\" when it cannot be told); nothing when cp932 cannot carry
 // it.
 std::optional<std::string> CurrentDirectory();

@@ -50,10 +50,24 @@ bool WriteAll(int descriptor, std::string_view bytes) {
     return true;
 }
 
-// A link is followed, so that the file it means is replaced and not the link.
-std::string Target(const std::string& path) {
+// A link is followed, so that the file it means is replaced, or made, and not the link. "" for links that
+// lead nowhere.
+std::string Target(std::string path) {
+    constexpr int LINKS_MOST = 40;
     char resolved[PATH_MAX];
-    return ::realpath(path.c_str(), resolved) != nullptr ? std::string(resolved) : path;
+    for (int links = 0; links < LINKS_MOST; ++links) {
+        if (::realpath(path.c_str(), resolved) != nullptr) {
+            return resolved;
+        }
+        const ssize_t length = ::readlink(path.c_str(), resolved, sizeof resolved);
+        if (length < 0) {
+            return path;
+        }
+        const std::string_view meant(resolved, static_cast<std::size_t>(length));
+        const std::size_t folder = meant.starts_with('/') ? 0 : path.rfind('/') + 1;  // 0 without a separator
+        path = path.substr(0, folder).append(meant);
+    }
+    return "";
 }
 
 // The mode that a new file gets.
@@ -79,6 +93,9 @@ SaveResult SaveReplacing(std::string_view scriptPath, std::string_view bytes) {
         return SaveResult::notOpened;
     }
     const std::string path = Target(*given);
+    if (path.empty()) {
+        return SaveResult::notOpened;
+    }
     struct stat status {};
     const bool exists = ::stat(path.c_str(), &status) == 0;
     if (exists && S_ISDIR(status.st_mode)) {

@@ -13,6 +13,8 @@ echo "SourceFile = probe.qms" >> Quelmark.ini
 cat > probe.qms <<'S'
 function probe() { print("polygons", ObjPolygons(), ModelEdited(), "[" + ModelFile() + "]\n"); }
 function crash() { "crash.sh".fprint("kill -9 $PPID"); "sh crash.sh".Child(ON); }
+function block() { "block.sh".fprint("mv .quelmark-1.suf kept.suf; mkdir .quelmark-1.suf"); "sh block.sh".Child(ON); }
+KeyEvent(block, KEY_F13);
 KeyEvent(probe, KEY_F14);
 KeyEvent(crash, KEY_F15);
 S
@@ -83,6 +85,46 @@ button 1
 close
 EOF
 cmp before.suf box.suf || failures=1
+
+# A file that was changed meanwhile is not replaced unasked.
+session '' <<EOF
+file box.suf
+key 15
+$box
+wait 60001
+key KEY_F15
+EOF
+echo >> box.suf
+session '' <<EOF
+button 2
+button 0
+key 19
+button 1
+close
+EOF
+cmp -s before.suf box.suf && { echo "what was changed meanwhile has been replaced"; failures=1; }
+cp before.suf box.suf
+
+# A copy that cannot be renewed keeps its file's name, and goes with the model.
+session 'ファイルがオープンできません' <<EOF
+file box.suf
+key 15
+$box
+wait 60001
+key KEY_F13
+$box
+wait 60001
+wait 60001
+key KEY_F15
+EOF
+rmdir .quelmark-1.suf && mv kept.suf .quelmark-1.suf
+session "polygons 12 TRUE [$(realpath box.suf | sed 's|^|C:|; s|/|\\|g')]" <<EOF
+button 2
+key KEY_F14
+button 1
+close
+EOF
+[ -e .quelmark-1.suf ] && { echo "a copy is left"; failures=1; }
 
 # The files to open are then not opened, which is said, but can be picked from the menu; the saved file itself is no other one.
 cp box.suf other.suf

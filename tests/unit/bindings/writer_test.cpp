@@ -299,6 +299,20 @@ TEST_F(Writer, ReplacingKeepsTheModeOfTheFileAndWhatALinkMeans) {
     EXPECT_EQ(FilesHere(), 2U);
 }
 
+TEST_F(Writer, ALinkToAMissingFileMakesThatFileAndOneThatLeadsNowhereIsRefused) {
+    fs::create_directory("there");
+    fs::create_symlink("there/second.suf", "first.suf");
+    fs::create_symlink("real.suf", "there/second.suf");
+    EXPECT_EQ(SaveReplacing("first.suf", "new"), SaveResult::saved);
+    EXPECT_TRUE(fs::is_symlink("first.suf"));
+    EXPECT_TRUE(fs::is_symlink("there/second.suf"));
+    EXPECT_EQ(Get("there/real.suf"), "new");
+    fs::create_symlink("b.suf", "a.suf");
+    fs::create_symlink("a.suf", "b.suf");
+    EXPECT_EQ(SaveReplacing("a.suf", "new"), SaveResult::notOpened);
+    EXPECT_TRUE(fs::is_symlink("a.suf"));
+}
+
 TEST_F(Writer, AppendingKeepsWhatWasThere) {
     EXPECT_EQ(SaveAppending("a.suf", "one "), SaveResult::saved);
     EXPECT_EQ(SaveAppending("a.suf", "two"), SaveResult::saved);
