@@ -51,6 +51,9 @@ xdotool key n; settle
 drag 1 100 80 300 250; xdotool key Escape; settle; picture given
 same start.flat given.flat || fail "a box that was given up is still there"
 xdotool mouseup 1; settle
+drag 1 100 80 990 700; xdotool key Escape; settle; picture given; xdotool mouseup 1; settle
+same start.flat given.flat || fail "a box that was given up over the list is still there"
+[ "$(selected)" = 0 ] || fail "a box that was given up over the list has selected $(selected)"
 iconv -f CP932 -t UTF-8 "$folder/printed" | grep -q Error && fail "an error: $(cat "$folder/printed")"
 
 # A box in the perspective view.
