@@ -112,6 +112,21 @@ TEST_F(ViewPause, BandsDrawnTwiceLeaveNoTraceOfAnyChange) {
     }
 }
 
+// The same lines and boxes from their other ends and corners.
+constexpr const char* REVERSED =
+    "DrawLine(Vertex(70, 30, 20), Vertex(-80, -30, -30)); DrawBox(Vertex(150, -55, 15), Vertex(-75, 25, "
+    "-45));"
+    "DrawLine2D(400, 260, 0, 3); DrawBox2D(370, 30, 30, 230); DrawCurrent(TRUE);"
+    "VertexSelect().DrawVertex(LINE_XOR); EdgeSelect().DrawEdge(0);";
+
+TEST_F(ViewPause, BandsAreTakenAwayFromTheirOtherEnds) {
+    for (const char* change :
+         {"Update(CLEAR);", "Update(OVERWRITE, WIN_ZX);", "SetZoom(3);", "PersAngle(100);"}) {
+        EXPECT_EQ(After({BANDS, change, REVERSED}), After({change})) << change;
+        EXPECT_EQ(After({REVERSED, change}), After({change, BANDS})) << change;
+    }
+}
+
 TEST_F(ViewPause, ClearTakesEveryBandAwayInBothModes) {
     for (const char* change : CHANGES) {
         EXPECT_EQ(After({BANDS, change, "Clear(OVERWRITE); Update(OVERWRITE);"}),

@@ -44,6 +44,27 @@ TEST_F(View3D, ReducingMakesTheMoveStepLarger) {
     ViewSetZoom(0, 7);
     EXPECT_EQ(ViewState.moveStep, 7);
 }
+TEST_F(View3D, AnyNumberIsAZoom) {
+    struct Row {
+        std::int32_t zoom, step, numerator, denominator, moveStep;
+    };
+    constexpr std::int32_t MOST = 2147483647, LEAST = -MOST - 1;
+    constexpr Row ROWS[] = {
+        {0, 0, 1, 1, 10},          {1, 0, 1, 1, 10},
+        {-1, 0, 1, 1, 10},         {3, 0, 3, 1, 3},
+        {-3, 0, 1, 3, 30},         {10, 0, 10, 1, 1},
+        {11, 0, 11, 1, 0},         {MOST, 0, MOST, 1, 0},
+        {5, -2, 5, 1, -2},         {5, LEAST, 5, 1, LEAST},
+        {-MOST, 0, 1, MOST, MOST}, {LEAST, 0, 1, MOST, MOST},
+        {LEAST, 1, 1, MOST, 1},    {MOST, MOST, MOST, 1, MOST},
+    };
+    for (const Row& row : ROWS) {
+        ViewSetZoom(row.zoom, row.step);
+        EXPECT_EQ(ViewState.numerator, row.numerator) << row.zoom;
+        EXPECT_EQ(ViewState.denominator, row.denominator) << row.zoom;
+        EXPECT_EQ(ViewState.moveStep, row.moveStep) << row.zoom << " " << row.step;
+    }
+}
 TEST_F(View3D, AnglesOutsideTheRangeChangeNothing) {
     EXPECT_EQ(ViewSetAngle(180), 45);
     EXPECT_EQ(ViewSetAngle(0), 45);
@@ -262,6 +283,50 @@ TEST_F(View3D, ThePerspectiveViewProjectsAndClipsAtTheEye) {
     const int before = Count(7, WIN_PERS);
     ViewRedraw(WHOLE_AREA, true);
     EXPECT_EQ(Count(7, WIN_PERS), before);
+}
+TEST_F(View3D, APolygonWithoutExtentIsOnePixel) {
+    const auto pixels = [](int vertices) {
+        for (int i = 0; i < vertices; ++i) {
+            CurrentPolygon->vertex[i] = {100, 20, 30, 0, 0, 0, 0, 0};
+        }
+        CurrentPolygon->vers = static_cast<std::int16_t>(vertices);
+        PolygonAppend(1);
+        ViewRedraw(WHOLE_AREA, true);
+        EXPECT_EQ(At({Views[0].centreX + 100, Views[0].centreY - 20}), COLOUR_SELECTED);
+        EXPECT_EQ(At({Views[1].centreX + 20, Views[1].centreY - 30}), COLOUR_SELECTED);
+        EXPECT_EQ(At({Views[2].centreX + 100, Views[2].centreY - 30}), COLOUR_SELECTED);
+        // 495 pixels are the focal distance.
+        EXPECT_EQ(At({Views[3].centreX - 99, Views[3].centreY - 148}), COLOUR_SELECTED);
+        PolygonDelete();
+        return std::ranges::count(ViewFrame.pixels, COLOUR_SELECTED);
+    };
+    for (const int vertices : {1, 2, 3, 4, 5, 100}) {
+        EXPECT_EQ(pixels(vertices), 4) << vertices;
+    }
+}
+TEST_F(View3D, WhatLiesAUnitBeforeTheEyeIsDrawnAndNothingNearer) {
+    const auto row = [](int x0, int y0, int x1, int y1) {
+        CurrentPolygon->vers = 2;
+        CurrentPolygon->vertex[0] = {
+            static_cast<std::int16_t>(x0), static_cast<std::int16_t>(y0), 0, 0, 0, 0, 0, 0};
+        CurrentPolygon->vertex[1] = {
+            static_cast<std::int16_t>(x1), static_cast<std::int16_t>(y1), 0, 0, 0, 0, 0, 0};
+        PolygonAppend(1);
+        ViewRedraw(WHOLE_AREA, true);
+        PolygonDelete();
+        return Count(COLOUR_SELECTED, WIN_PERS);
+    };
+    EXPECT_EQ(row(1, 0, 1, 0), 1);
+    EXPECT_EQ(row(0, 0, 0, 0), 0);
+    EXPECT_EQ(row(-1, 0, 0, 5), 0);
+    EXPECT_EQ(row(0, 3, -32767, -5), 0);
+    EXPECT_EQ(row(1, 0, 0, 0), 1);
+    // From the middle to the left edge, and, from behind on the other side, to the right one.
+    EXPECT_EQ(row(100, 0, -100, 50), Views[3].width / 2 + 1);
+    EXPECT_EQ(At({Views[3].left, Views[3].centreY}), COLOUR_SELECTED);
+    EXPECT_EQ(row(-100, -50, 100, 0), Views[3].left + Views[3].width - Views[3].centreX);
+    EXPECT_EQ(At({Views[3].centreX - 1, Views[3].centreY}), COLOUR_BACKGROUND);
+    EXPECT_EQ(row(32767, 0, -32767, 0), 1);
 }
 // Where a turn and a move carry to the origin: the move back, turned back.
 std::array<double, 3> CarriedToTheOrigin(const Matrix& matrix, const std::array<double, 3>& origin) {
