@@ -2,13 +2,14 @@
 # session.sh QUELMARK QUELMARKC CLOSE_WINDOW SESSION: one session, with real keys and mouse in the window and again in the console program. The
 # files that are written are the same byte for byte, and the views show the same pixels.
 #
-# tests/sessions/run.sh tells the lines of a session.
+# tests/sessions/run.sh tells the lines of a session. With QUELMARK_PICTURES=FOLDER the whole window is kept in the folder at each shot, with
+# the views' titles and what is selected at the same moment of its pulse, and compared with nothing: so the tutorial's pictures are made.
 set -u
 program=$(realpath "$1")
 console=$(realpath "$2")
 close_window=$(realpath "$3")
 session=$(realpath "$4")
-sessions=$(dirname "$session")
+sessions=$(realpath "$(dirname "$0")/../sessions")
 # shellcheck source=screen.sh
 . "$(dirname "$0")/screen.sh"
 unset MODELPATH QUELMARKINPUT
@@ -27,7 +28,7 @@ for part in window console; do
     mkdir "$folder/$part"
     cp "$sessions/probe.qms" "$folder/$part/"
     # The titles of the views are texts of the window: they are no part of the picture.
-    { cat "$(dirname "$program")/Quelmark.ini"; printf 'ViewTitles = 0\nSourceFile = probe.qms\n'; } > "$folder/$part/Quelmark.ini"
+    { cat "$(dirname "$program")/Quelmark.ini"; printf 'ViewTitles = %d\nSourceFile = probe.qms\n' "${QUELMARK_PICTURES:+1}"; } > "$folder/$part/Quelmark.ini"
 done
 
 # ---- the window ----
@@ -41,6 +42,8 @@ begin() {
     settle 0.5
     xdotool mousemove 300 600
     probe
+    # The views are then those of the console program's own window.
+    [ -z "${QUELMARK_PICTURES:-}" ] || { xdotool windowsize "$id" 1024 788; settle 0.5; }
     [ -n "${top:-}" ] || { measure; in_console; }
 }
 ended() {
@@ -195,6 +198,13 @@ in_console() {
 
 # The picture is taken again until it is the console's, for some seconds. What is selected pulses, so nothing may be.
 shot() {
+    if [ -n "${QUELMARK_PICTURES:-}" ]; then
+        xdotool mousemove 880 700; settle 1
+        picture "$folder/whole.ppm"
+        convert "$folder/whole.ppm" -crop 1024x788+0+0 +repage -fuzz 6.9% -fill '#e900e9' -opaque '#e900e9' \
+            -define png:compression-level=9 "$QUELMARK_PICTURES/$1.png"
+        return
+    fi
     local name=$1 area="${list}x$height" different
     [ "$(identify -format %w "$folder/console/$name.ppm")" -ge "$list" ] || area="$(identify -format %w "$folder/console/$name.ppm")x$height"
     convert "$folder/console/$name.ppm" -crop "$area+0+0" +repage "$folder/wanted.ppm"
