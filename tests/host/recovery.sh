@@ -153,6 +153,26 @@ key KEY_F14
 close
 EOF
 
+# What can be read of a faulty copy comes back, but the copy stays as it is until it is thrown away.
+session '' <<EOF
+$box
+wait 60001
+key KEY_F15
+EOF
+head -n 20 .quelmark-1.suf > kept.suf
+cp kept.suf .quelmark-1.suf
+session "$folder/.quelmark-1.suf 21 : エンドオブファイルになりました   next token=
+polygons 2 TRUE []" <<EOF
+button 2
+key KEY_F14
+$box
+wait 60001
+button 1
+close
+EOF
+cmp -s kept.suf .quelmark-1.suf || { echo "a faulty copy is not as it was"; failures=1; }
+[ -e .quelmark-2.suf ] && { echo "a copy is left"; failures=1; }
+
 # Discarded.
 session '' <<EOF
 $box
