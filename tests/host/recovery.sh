@@ -142,7 +142,7 @@ missing.suf
 $folder/third.suf
 polygons 12 TRUE [$(realpath box.suf | sed 's|^|C:|; s|/|\\|g')]
 polygons 6 FALSE [$(realpath other.suf | sed 's|^|C:|; s|/|\\|g')]
-polygons 6 FALSE [$(realpath third.suf | sed 's|^|C:|; s|/|\\|g')]" other.suf box.suf missing.suf "$folder/third.suf" <<EOF
+polygons 6 FALSE [$(realpath third.suf | sed 's|^|C:|; s|/|\\|g')]" other box missing.suf "$folder/third.suf" <<EOF
 button 2
 key KEY_F14
 button 1
