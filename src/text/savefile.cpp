@@ -77,8 +77,17 @@ mode_t FreshMode() {
     return NEW_FILE_MODE & ~mask;
 }
 
+// Opening a pipe that nobody reads would wait for a reader; it is refused instead.
+int OpenToWrite(const std::string& path, int flags) {
+    const int number = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | flags, NEW_FILE_MODE);
+    if (number >= 0) {
+        ::fcntl(number, F_SETFL, ::fcntl(number, F_GETFL) & ~O_NONBLOCK);
+    }
+    return number;
+}
+
 SaveResult WriteDirectly(const std::string& path, std::string_view bytes) {
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    Descriptor file(OpenToWrite(path, 0));
     if (!file.IsOpen()) {
         return SaveResult::notOpened;
     }
@@ -142,7 +151,7 @@ SaveResult SaveAppending(std::string_view scriptPath, std::string_view bytes) {
     if (!path || path->empty()) {
         return SaveResult::notOpened;
     }
-    Descriptor file(::open(path->c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, NEW_FILE_MODE));
+    Descriptor file(OpenToWrite(*path, O_CREAT | O_APPEND));
     struct stat before {};
     if (!file.IsOpen() || ::fstat(file.Number(), &before) != 0) {
         return SaveResult::notOpened;

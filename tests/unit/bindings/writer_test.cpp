@@ -1,6 +1,8 @@
 // The writers of shape and frame files: their text byte for byte, what a failure leaves of the old file, and
 // that the reader gets back what was written.
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -311,6 +313,19 @@ TEST_F(Writer, ALinkToAMissingFileMakesThatFileAndOneThatLeadsNowhereIsRefused) 
     fs::create_symlink("a.suf", "b.suf");
     EXPECT_EQ(SaveReplacing("a.suf", "new"), SaveResult::notOpened);
     EXPECT_TRUE(fs::is_symlink("a.suf"));
+}
+
+TEST_F(Writer, APipeThatNobodyReadsIsRefusedInsteadOfWaitedFor) {
+    ASSERT_EQ(::mkfifo("pipe.suf", 0600), 0);
+    EXPECT_EQ(SaveReplacing("pipe.suf", "new"), SaveResult::notOpened);
+    EXPECT_EQ(SaveAppending("pipe.suf", "new"), SaveResult::notOpened);
+    // One that is read takes it all.
+    const int reader = ::open("pipe.suf", O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    EXPECT_EQ(SaveReplacing("pipe.suf", "new"), SaveResult::saved);
+    char bytes[8];
+    EXPECT_EQ(::read(reader, bytes, sizeof bytes), 3);
+    ::close(reader);
 }
 
 TEST_F(Writer, AppendingKeepsWhatWasThere) {
