@@ -63,7 +63,7 @@ QElapsedTimer& Clock() {
 }  // namespace
 
 QtWindow::QtWindow(QtFrame& frame) : QWidget(&frame), frame_(frame) {
-    frame.picked = [this](std::int32_t code) { keys_.push_back({code, state_.shift}); };
+    frame.picked = [this](std::int32_t code) { PutInput(code); };
     frame.closeWanted = [this] { state_.closeRequested = true; };
     Clock().start();
     setFont(JapaneseFont());
@@ -106,7 +106,7 @@ void QtWindow::Deliver(std::int32_t milliseconds) {
         }
         return;
     }
-    if (!keys_.empty() || !buttons_.empty()) {
+    if (!pending_.empty()) {
         QCoreApplication::processEvents();
         return;
     }
@@ -118,19 +118,15 @@ void QtWindow::Deliver(std::int32_t milliseconds) {
 
 InputState QtWindow::TakeInput() {
     InputState taken = state_;
-    if (!buttons_.empty()) {
-        const PendingButtons& step = buttons_.front();
+    if (!pending_.empty()) {
+        const PendingInput& step = pending_.front();
+        taken.keyCode = step.code;
         taken.x = step.x;
         taken.y = step.y;
         taken.left = step.left;
         taken.right = step.right;
         taken.shift = step.shift;
-        buttons_.pop_front();
-    }
-    if (!keys_.empty()) {
-        taken.keyCode = keys_.front().code;
-        taken.shift = keys_.front().shift;
-        keys_.pop_front();
+        pending_.pop_front();
     }
     state_.wheel = 0;
     state_.closeRequested = false;
@@ -139,8 +135,9 @@ InputState QtWindow::TakeInput() {
 }
 
 bool QtWindow::TakeBreakKey() {
-    return TakeKey(
-        [](const PendingKey& key) { return key.code == KEY_DELETE && key.shift == (SHIFT_KEY | CTRL_KEY); });
+    return TakeKey([](const PendingInput& key) {
+        return key.code == KEY_DELETE && key.shift == (SHIFT_KEY | CTRL_KEY);
+    });
 }
 
 bool QtWindow::TakeCloseRequest() {
@@ -148,25 +145,27 @@ bool QtWindow::TakeCloseRequest() {
 }
 
 bool QtWindow::TakeEscapeKey() {
-    return TakeKey([](const PendingKey& key) { return key.code == KEY_ESCAPE; });
+    return TakeKey([](const PendingInput& key) { return key.code == KEY_ESCAPE; });
 }
 
 template <class Test>
 bool QtWindow::TakeKey(Test isWanted) {
     QCoreApplication::processEvents();
-    if (std::ranges::none_of(keys_, isWanted)) {
+    if (std::ranges::none_of(pending_, isWanted)) {
         return false;
     }
-    keys_.clear();
+    std::erase_if(pending_, IsKey);
     return true;
 }
 
 void QtWindow::KeepLastKey() {
-    if (keys_.size() > 1) {
-        keys_.erase(keys_.begin(), keys_.end() - 1);
-    }
-    buttons_.clear();
+    const auto last = std::ranges::find_if(pending_.rbegin(), pending_.rend(), IsKey);
+    const PendingInput key = last != pending_.rend() ? *last : PendingInput{};
+    pending_.clear();
     state_.wheel = 0;
+    if (IsKey(key)) {
+        pending_.push_back({key.code, state_.x, state_.y, state_.left, state_.right, key.shift});
+    }
 }
 
 std::uint32_t QtWindow::Milliseconds() {
@@ -203,10 +202,13 @@ void QtWindow::TakeShift(Qt::KeyboardModifiers modifiers) {
                    ((modifiers & Qt::ControlModifier) != 0 ? CTRL_KEY : 0);
 }
 
-// Keys typed ahead wait in order.
+void QtWindow::PutInput(std::int32_t code) {
+    pending_.push_back({code, state_.x, state_.y, state_.left, state_.right, state_.shift});
+}
+
 void QtWindow::PutKey(std::int32_t code) {
-    if (code != 0 && keys_.size() < KEYS_MOST) {
-        keys_.push_back({code, state_.shift});
+    if (code != 0 && pending_.size() < KEYS_MOST) {
+        PutInput(code);
     }
 }
 
@@ -286,7 +288,7 @@ void QtWindow::TakeMouse(const QMouseEvent& event) {
 
 void QtWindow::TakeButtons(const QMouseEvent& event) {
     TakeMouse(event);
-    buttons_.push_back({state_.x, state_.y, state_.left, state_.right, state_.shift});
+    PutInput(0);
 }
 
 void QtWindow::mousePressEvent(QMouseEvent* event) {
@@ -385,7 +387,10 @@ void QtWindow::SetTitle(std::string_view title) {
 void QtWindow::LetGo() {
     state_.shift = 0;
     state_.left = state_.right = false;
-    buttons_.clear();
+    std::erase_if(pending_, [](const PendingInput& input) { return !IsKey(input); });
+    for (PendingInput& key : pending_) {
+        key.left = key.right = false;
+    }
 }
 
 std::int32_t QtWindow::RunDialog(Dialog& dialog) {
@@ -421,7 +426,7 @@ bool QtWindow::eventFilter(QObject* watched, QEvent* event) {
     if (key->key() != Qt::Key_Delete || key->modifiers() != (Qt::ShiftModifier | Qt::ControlModifier)) {
         return QWidget::eventFilter(watched, event);
     }
-    keys_.push_back({KEY_DELETE, SHIFT_KEY | CTRL_KEY});
+    pending_.push_back({KEY_DELETE, state_.x, state_.y, false, false, SHIFT_KEY | CTRL_KEY});
     return true;
 }
 

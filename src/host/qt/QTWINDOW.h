@@ -91,19 +91,19 @@ class QtWindow final : public QWidget, public Window {
     QRect PreeditRect() const;
     QColor Entry(std::uint8_t index) const;
 
-    struct PendingKey {
+    // A key, or with code 0 a change of the buttons, with what else was the case; kept until a step takes it,
+    // one a step: much may come within one delivery.
+    struct PendingInput {
         std::int32_t code;
-        std::int32_t shift;
-    };
-    // Delivers messages without waiting; when such a key is waiting, every key is taken.
-    template <class Test>
-    bool TakeKey(Test isWanted);
-    // A change of the buttons, kept until a step takes it: a click may come and go within one delivery.
-    struct PendingButtons {
         std::int32_t x, y;
         bool left, right;
         std::int32_t shift;
     };
+    static bool IsKey(const PendingInput& input) { return input.code != 0; }
+    void PutInput(std::int32_t code);
+    // Delivers messages without waiting; when such a key is waiting, every key is taken.
+    template <class Test>
+    bool TakeKey(Test isWanted);
     // A dialog takes the keyboard and the mouse away: what was held is let go.
     void LetGo();
     bool TellChange(Dialog& dialog, std::int32_t row);
@@ -111,8 +111,7 @@ class QtWindow final : public QWidget, public Window {
 
     QtFrame& frame_;
     InputState state_;
-    std::deque<PendingButtons> buttons_;
-    std::deque<PendingKey> keys_;
+    std::deque<PendingInput> pending_;
     QString preedit_;             // of an input method
     QPointF pointer_;             // where the mouse was last
     std::int32_t wheelRest_ = 0;  // eighths of a degree not yet a whole turn
