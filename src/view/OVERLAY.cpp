@@ -61,9 +61,9 @@ PixelRect Touched(const ScreenLine& line, const PixelRect& clip) {
             limit(std::max(line.a.y, line.b.y) + 2, clip.top, clip.bottom)};
 }
 
-// What is drawn by exclusive-or is noted first in a bit that no palette index has, then turned, so that a
-// pixel of several lines is turned once: corners are closed, and a box that is seen edge-on does not cancel
-// itself.
+// Several lines that are drawn by exclusive-or are noted first in a bit that no palette index has, then
+// turned, so that a pixel of several is turned once: corners are closed, and a box that is seen edge-on does
+// not cancel itself. A single line needs no note, which saves a look at every pixel of its rectangle.
 constexpr std::uint8_t NOTED = 0x80;
 
 void TurnNoted(const PixelRect& area) {
@@ -77,20 +77,21 @@ void TurnNoted(const PixelRect& area) {
 }
 
 void DrawScreenLines(const std::vector<ScreenLine>& lines, const PixelRect& clip, Ink ink, bool marks) {
-    const bool turning = ink == Ink::Xor;
-    const std::uint8_t colour = turning ? NOTED : std::uint8_t{COLOUR_LINE};
+    const bool noting = ink == Ink::Xor && lines.size() > 1;
+    const std::uint8_t colour = noting ? NOTED : std::uint8_t{COLOUR_LINE};
+    const Ink drawn = noting ? Ink::Or : ink;
     PixelRect changed{clip.right, clip.bottom, clip.left, clip.top};
     for (const ScreenLine& line : lines) {
         if (marks) {
-            DrawMark(clip, line.a, colour, Ink::Or);
+            DrawMark(clip, line.a, colour, drawn);
         } else {
-            DrawLine(ViewFrame, clip, line.a, line.b, colour, Ink::Or);
+            DrawLine(ViewFrame, clip, line.a, line.b, colour, drawn);
         }
         const PixelRect touched = Touched(line, clip);
         changed = {std::min(changed.left, touched.left), std::min(changed.top, touched.top),
                    std::max(changed.right, touched.right), std::max(changed.bottom, touched.bottom)};
     }
-    if (turning) {
+    if (noting) {
         TurnNoted(changed);
     }
     ViewDamage(changed);
