@@ -62,6 +62,16 @@ inline void Replace(DataCell& cell, std::uint32_t tag, std::int32_t payload) {
     }
 }
 
+// Releases what cells hold that end here: a frame's locals.
+inline void ReleaseCells(DataCell* first, const DataCell* behind) {
+    for (DataCell* cell = first; cell < behind; ++cell) {
+        if (HoldsObject(*cell)) {
+            SetTag(*cell, TYPE_NOASSIGN);
+            ObjectRelease(ObjectOf(*cell));
+        }
+    }
+}
+
 // The element when everything is in order, else null: the slow path tells what is wrong.
 inline DataCell* ElementOf(const DataCell& array, std::uint32_t subscript) {
     const std::uint32_t tag = TagOf(array);

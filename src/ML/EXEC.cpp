@@ -428,12 +428,7 @@ std::int32_t Execute() {
         if (tag == TYPE_OBJECT) {
             SetTag(value, TYPE_NOASSIGN);  // its reference leaves with the value
         }
-        for (DataCell *cell = base, *behind = base + i->value; cell < behind; ++cell) {
-            if (HoldsObject(*cell)) {
-                SetTag(*cell, TYPE_NOASSIGN);
-                ObjectRelease(ObjectOf(*cell));
-            }
-        }
+        ReleaseCells(base, base + i->value);
         if (StackPtr != frame->top) [[unlikely]] {
             StackRelease(StackBuf + frame->top);  // arrays
         }
@@ -457,12 +452,7 @@ std::int32_t Execute() {
         NEXT;
     }
     CASE(RETURN_NONE) {
-        for (DataCell *cell = base, *behind = base + i->value; cell < behind; ++cell) {
-            if (HoldsObject(*cell)) {
-                SetTag(*cell, TYPE_NOASSIGN);
-                ObjectRelease(ObjectOf(*cell));
-            }
-        }
+        ReleaseCells(base, base + i->value);
         if (StackPtr != frame->top) [[unlikely]] {
             StackRelease(StackBuf + frame->top);
         }

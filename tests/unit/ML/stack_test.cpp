@@ -32,7 +32,7 @@ class Stack : public ScriptTest {
     }
 
     static std::string TextOf(const DataCell& cell) {
-        char buffer[4096];
+        char buffer[CELL_TEXT_BYTES];
         const int length = CellToText(buffer, cell);
         EXPECT_EQ(buffer[length], '\0');
         return {buffer, static_cast<std::size_t>(length)};
