@@ -55,17 +55,14 @@ QFont JapaneseFont() {
     return font;
 }
 
-QElapsedTimer& Clock() {
-    static QElapsedTimer clock;
-    return clock;
-}
+QElapsedTimer windowClock;  // since the window was made
 
 }  // namespace
 
 QtWindow::QtWindow(QtFrame& frame) : QWidget(&frame), frame_(frame) {
     frame.picked = [this](std::int32_t code) { PutInput(code); };
     frame.closeWanted = [this] { state_.closeRequested = true; };
-    Clock().start();
+    windowClock.start();
     setFont(JapaneseFont());
     labelFont_ = font();
     Measure();
@@ -169,7 +166,7 @@ void QtWindow::KeepLastKey() {
 }
 
 std::uint32_t QtWindow::Milliseconds() {
-    return static_cast<std::uint32_t>(Clock().elapsed());
+    return static_cast<std::uint32_t>(windowClock.elapsed());
 }
 
 bool QtWindow::event(QEvent* event) {
@@ -451,9 +448,8 @@ std::uint64_t QtWindow::Handle() {
     constexpr std::int32_t ROUND = 10;
     const bool isNew = internalWinId() == 0;
     const WId handle = winId();
-    const QElapsedTimer& clock = Clock();
-    const qint64 end = clock.elapsed() + PAINTED_MOST;
-    while (isNew && isVisible() && !windowHandle()->isExposed() && clock.elapsed() < end) {
+    const qint64 end = windowClock.elapsed() + PAINTED_MOST;
+    while (isNew && isVisible() && !windowHandle()->isExposed() && windowClock.elapsed() < end) {
         Deliver(ROUND);
     }
     return static_cast<std::uint64_t>(handle);
