@@ -60,6 +60,7 @@ dialog=$(xdotool search --name '^ask' | head -1)
 [ -n "$dialog" ] || { echo "no dialog"; kill $window; exit 1; }
 xdotool key Tab Tab; settle  # away from the text fields: the text of the one that has the keyboard is selected
 eval "$(xdotool getwindowgeometry --shell "$dialog" | grep -E '^(X|Y|WIDTH|HEIGHT)=')"
+xdotool key Tab Tab; settle  # no field's text is selected any more
 lines "${WIDTH}x$HEIGHT+$X+$Y" > picture
 # Lines through a text field are mostly white (the number of a slider is shorter): where the white begins, and where the text ends.
 awk 'BEGIN { field = 0 }
