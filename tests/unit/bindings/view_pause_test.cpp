@@ -112,9 +112,9 @@ TEST_F(ViewPause, BandsDrawnTwiceLeaveNoTraceOfAnyChange) {
     }
 }
 
-// The same lines and boxes from their other ends and corners.
+// The same lines and boxes from their other ends and corners, by modes that mean the same.
 constexpr const char* REVERSED =
-    "DrawLine(Vertex(70, 30, 20), Vertex(-80, -30, -30)); DrawBox(Vertex(150, -55, 15), Vertex(-75, 25, "
+    "DrawLine(Vertex(70, 30, 20), Vertex(-80, -30, -30), 0); DrawBox(Vertex(150, -55, 15), Vertex(-75, 25, "
     "-45));"
     "DrawLine2D(400, 260, 0, 3); DrawBox2D(370, 30, 30, 230); DrawCurrent(TRUE);"
     "VertexSelect().DrawVertex(LINE_XOR); EdgeSelect().DrawEdge(0);";

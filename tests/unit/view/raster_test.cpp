@@ -64,6 +64,31 @@ TEST(Lines, FarEndsStayInsideAndOnTheTrueLine) {
     EXPECT_EQ(frame.Row(100)[100], 1);
 }
 
+TEST(Lines, HalvesGoAwayFromTheStartHoweverFarItIsAndWhereverTheLineIsCut) {
+    FrameBuffer frame;
+    for (const std::int64_t far :
+         {std::int64_t{60}, std::int64_t{10000}, std::int64_t{1} << 29, std::int64_t{1} << 45}) {
+        for (int left = 0; left < 100; ++left) {
+            frame.Resize(100, 100);
+            const PixelRect clip{left, 0, std::min(left + 5, 100), 100};
+            // Half a pixel down or up a step, and the same across the other axis.
+            DrawLine(frame, clip, {-2 * far, -far}, {2 * far, far}, 1);
+            DrawLine(frame, clip, {2 * far, 99 - far}, {-2 * far, 99 + far}, 2, Ink::Or);
+            for (int x = clip.left; x < clip.right; ++x) {
+                ASSERT_EQ(frame.Row((x + 1) / 2)[x] & 1, 1) << far << " " << x;
+                ASSERT_EQ(frame.Row(99 - (x + 1) / 2)[x] & 2, 2) << far << " " << x;
+            }
+            ASSERT_EQ(Pixels(frame).size(), 2U * static_cast<unsigned>(clip.right - clip.left));
+            frame.Resize(100, 100);
+            const PixelRect turned{0, left, 100, clip.right};
+            DrawLine(frame, turned, {far, 2 * far}, {-far, -2 * far}, 1, Ink::Xor);
+            for (int y = turned.top; y < turned.bottom; ++y) {
+                ASSERT_EQ(frame.Row(y)[(y + 1) / 2], 1) << far << " " << y;
+            }
+        }
+    }
+}
+
 TEST(Lines, AQuadHasThePixelsOfItsFourLines) {
     std::mt19937 random(9);
     FrameBuffer quad, lines;

@@ -408,6 +408,22 @@ TEST_F(View3D, APolygonFacesTheEyeOnTheSideOfItsNormalUnderAnyConversion) {
     }
     EXPECT_GT(facing, 500);
 }
+TEST_F(View3D, APolygonSeenFromItsEdgeOrWithoutANormalFacesNobody) {
+    const auto faces = [](int depth) {
+        Triangle(100, 0, depth, 200, 50, depth, 200, -50, depth, true);
+        const bool front = ViewFacesViewer(*PolygonTop());
+        PolygonDelete();
+        return front;
+    };
+    EXPECT_NE(faces(-1), faces(1));
+    EXPECT_FALSE(faces(0));
+    Triangle(100, 0, 0, 200, 0, 0, 300, 0, 0);
+    EXPECT_FALSE(ViewFacesViewer(*PolygonTop()));
+    ViewState.frontOnly = true;
+    ViewRedraw(WHOLE_AREA, true);
+    EXPECT_EQ(Count(7, WIN_PERS), 0);
+    EXPECT_EQ(Count(7, WIN_XY), 100);  // to the edge of the view
+}
 TEST_F(View3D, ACornerGivenTwiceChangesNoPixel) {
     std::mt19937 random(4);
     const auto within = [&](int most) {
