@@ -118,9 +118,17 @@ void QtWindow::paintEvent(QPaintEvent* event) {
     PaintPicture(painter, region);
     painter.setFont(font_);
     PaintTexts(painter);
-    PaintList(painter);
-    PaintButtons(painter);
-    PaintStatus(painter);
+    // The pulse renews the views alone, many times a second.
+    const auto meets = [&region](const PixelRect& pane) { return region.intersects(ToRect(pane)); };
+    if (meets(ListRect())) {
+        PaintList(painter);
+    }
+    if (meets(ButtonsRect())) {
+        PaintButtons(painter);
+    }
+    if (meets(StatusRect())) {
+        PaintStatus(painter);
+    }
     PaintMessage(painter);
     PaintPreedit(painter);
 }
