@@ -58,7 +58,6 @@ height=$(awk '{ n = 0; for (i = 1; i <= NF; i++) n += $i == "ffffdc"; if (n > 30
 xdotool mousemove 300 300 key a; settle
 dialog=$(xdotool search --name '^ask' | head -1)
 [ -n "$dialog" ] || { echo "no dialog"; kill $window; exit 1; }
-xdotool key Tab Tab; settle  # away from the text fields: the text of the one that has the keyboard is selected
 eval "$(xdotool getwindowgeometry --shell "$dialog" | grep -E '^(X|Y|WIDTH|HEIGHT)=')"
 xdotool key Tab Tab; settle  # no field's text is selected any more
 lines "${WIDTH}x$HEIGHT+$X+$Y" > picture
