@@ -75,6 +75,7 @@ std::optional<pid_t> Spawn(const std::vector<std::string>& words) {
     sigset_t defaults;
     ::sigemptyset(&defaults);
     ::sigaddset(&defaults, SIGXFSZ);
+    ::sigaddset(&defaults, SIGPIPE);
     posix_spawnattr_t attributes;
     ::posix_spawnattr_init(&attributes);
     ::posix_spawnattr_setsigdefault(&attributes, &defaults);

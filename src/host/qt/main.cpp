@@ -3,6 +3,7 @@
 #include <QLibraryInfo>
 #include <QTranslator>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -27,6 +28,7 @@ int main(int argc, char** argv) {
                      "quelmark: there is no display to open a window on; use quelmarkc, which needs none\n");
         return 1;
     }
+    std::signal(SIGPIPE, SIG_IGN);  // the window stays when nobody reads any more what is printed
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     // The library sees no arguments: all of them belong to the scripts.
     int libraryArguments = 1;
