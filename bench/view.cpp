@@ -374,11 +374,12 @@ void MeasurePicture(int rounds) {
         ExpandFrame(ViewFrame, area, palette, picture.data(), WIDTH);
         seen += picture[static_cast<std::size_t>(WIDTH * area.top)];
     };
+    std::vector<PixelRect> changed;
     const auto change = [&](std::uint8_t entry) -> Work {
         return [&, entry] {
             palette[entry] += 3;
-            const PixelRect changed = RecolourFrame(ViewFrame, entry, palette, picture.data(), WIDTH);
-            seen += picture[static_cast<std::size_t>(WIDTH * changed.top)];
+            RecolourFrame(ViewFrame, entry, palette, picture.data(), WIDTH, changed);
+            seen += changed.empty() ? 0 : picture[static_cast<std::size_t>(WIDTH * changed.front().top)];
         };
     };
     const Work paint = [] { PainterDrawIndexed(ViewFrame.pixels.data(), WIDTH, HEIGHT, ViewFrame.stride); };

@@ -24,8 +24,9 @@ bool QuitFlag = false;
 namespace {
 
 constexpr std::uint32_t PULSE_STEP = 5;  // milliseconds of one pulse index
-// Milliseconds between two looks at the pulse: smooth, and next to no work.
-constexpr std::uint32_t PULSE_INTERVAL = 40;
+// Milliseconds between two looks at the pulse: eight for each time it swells and fades, which is smooth, and
+// little work.
+constexpr std::uint32_t PULSE_INTERVAL = 80;
 constexpr std::int32_t PULSE_COLOURS = 128;
 
 constexpr KeyName KEYS[] = {

@@ -90,8 +90,19 @@ class Expander {
     bool shuffles;
 };
 
-// Pixels that are written again together, from one on that is of the entry.
-constexpr std::int32_t BLOCK = 128;
+// What is written again together: pixels up to the end of their block, and the blocks of a band of rows.
+constexpr std::int32_t BLOCK = 128, BAND = 32;
+
+// One rectangle for each run of blocks that hold something new.
+void AddRuns(const std::vector<bool>& blocks, PixelRect band, std::vector<PixelRect>& rects) {
+    for (auto from = blocks.begin(); (from = std::find(from, blocks.end(), true)) != blocks.end();) {
+        const auto to = std::find(from, blocks.end(), false);
+        const auto left = static_cast<std::int32_t>(from - blocks.begin()) * BLOCK;
+        const auto right = static_cast<std::int32_t>(to - blocks.begin()) * BLOCK;
+        rects.push_back({left, band.top, std::min(right, band.right), band.bottom});
+        from = to;
+    }
+}
 
 }  // namespace
 
@@ -103,23 +114,28 @@ void ExpandFrame(const FrameBuffer& frame, const PixelRect& area, const FramePal
     }
 }
 
-PixelRect RecolourFrame(const FrameBuffer& frame, std::uint8_t entry, const FramePalette& palette,
-                        std::uint32_t* picture, std::ptrdiff_t stride) {
+void RecolourFrame(const FrameBuffer& frame, std::uint8_t entry, const FramePalette& palette,
+                   std::uint32_t* picture, std::ptrdiff_t stride, std::vector<PixelRect>& changed) {
     const Expander expander(palette);
-    PixelRect changed{frame.width, frame.height, 0, 0};
-    for (std::int32_t y = 0; y < frame.height; ++y) {
-        const std::uint8_t* const row = frame.Row(y);
-        std::int32_t x = 0;
-        while (const void* found = std::memchr(row + x, entry, static_cast<std::size_t>(frame.width - x))) {
-            x = static_cast<std::int32_t>(static_cast<const std::uint8_t*>(found) - row);
-            const std::int32_t end = std::min(x + BLOCK, frame.width);
-            expander.Run(row + x, end - x, picture + y * stride + x);
-            changed = {std::min(changed.left, x), std::min(changed.top, y), std::max(changed.right, end),
-                       y + 1};
-            x = end;
+    changed.clear();
+    std::vector<bool> blocks;
+    for (std::int32_t top = 0; top < frame.height; top += BAND) {
+        const std::int32_t bottom = std::min(top + BAND, frame.height);
+        blocks.assign(static_cast<std::size_t>(frame.width / BLOCK) + 1, false);
+        for (std::int32_t y = top; y < bottom; ++y) {
+            const std::uint8_t* const row = frame.Row(y);
+            std::int32_t x = 0;
+            while (const void* found =
+                       std::memchr(row + x, entry, static_cast<std::size_t>(frame.width - x))) {
+                x = static_cast<std::int32_t>(static_cast<const std::uint8_t*>(found) - row);
+                const std::int32_t block = x / BLOCK, end = std::min((block + 1) * BLOCK, frame.width);
+                expander.Run(row + x, end - x, picture + y * stride + x);
+                blocks[static_cast<std::size_t>(block)] = true;
+                x = end;
+            }
         }
+        AddRuns(blocks, {0, top, frame.width, bottom}, changed);
     }
-    return IsEmpty(changed) ? PixelRect{0, 0, 0, 0} : changed;
 }
 
 }  // namespace quelmark

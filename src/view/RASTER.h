@@ -67,8 +67,9 @@ using FramePalette = std::array<std::uint32_t, 16>;
 void ExpandFrame(const FrameBuffer& frame, const PixelRect& area, const FramePalette& palette,
                  std::uint32_t* picture, std::ptrdiff_t stride);
 // After a change of one entry: the pixels of the whole frame that are of it once more, some neighbours with
-// them. The rectangle of what was written; empty when no pixel is of the entry.
-PixelRect RecolourFrame(const FrameBuffer& frame, std::uint8_t entry, const FramePalette& palette,
-                        std::uint32_t* picture, std::ptrdiff_t stride);
+// them. `changed` becomes the rectangles that hold what was written, row of rectangles by row, from the left
+// to the right, none touching the next beside it; none when no pixel is of the entry.
+void RecolourFrame(const FrameBuffer& frame, std::uint8_t entry, const FramePalette& palette,
+                   std::uint32_t* picture, std::ptrdiff_t stride, std::vector<PixelRect>& changed);
 
 }  // namespace quelmark

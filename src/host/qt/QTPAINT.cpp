@@ -75,12 +75,16 @@ void QtWindow::ExpandPicture(const QRect& area) {
                 picture_.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb)));
 }
 
-PixelRect QtWindow::RecolourPicture(std::uint8_t entry) {
-    if (picture_.width() != ViewFrame.width || picture_.height() != ViewFrame.height) {
-        return {0, 0, 0, 0};  // nothing of this size has been painted yet
-    }
-    return RecolourFrame(ViewFrame, entry, palette_, reinterpret_cast<QRgb*>(picture_.bits()),
-                         picture_.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb)));
+QRegion QtWindow::RecolourPicture(std::uint8_t entry) {
+    QRegion region;
+    if (picture_.width() == ViewFrame.width && picture_.height() == ViewFrame.height) {
+        RecolourFrame(ViewFrame, entry, palette_, reinterpret_cast<QRgb*>(picture_.bits()),
+                      picture_.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb)), recoloured_);
+        for (const PixelRect& rect : recoloured_) {
+            region += ToRect(rect);
+        }
+    }  // else nothing of this size has been painted yet
+    return region;
 }
 
 // Some rows at a time, which are still in the processor's cache when they are copied.
@@ -117,7 +121,7 @@ void QtWindow::paintEvent(QPaintEvent* event) {
     }
     PaintPicture(painter, region);
     painter.setFont(font_);
-    PaintTexts(painter);
+    PaintTexts(painter, region);
     // The pulse renews the views alone, many times a second.
     const auto meets = [&region](const PixelRect& pane) { return region.intersects(ToRect(pane)); };
     if (meets(ListRect())) {
@@ -133,10 +137,14 @@ void QtWindow::paintEvent(QPaintEvent* event) {
     PaintPreedit(painter);
 }
 
-void QtWindow::PaintTexts(QPainter& painter) {
+void QtWindow::PaintTexts(QPainter& painter, const QRegion& region) {
     const int ascent = QFontMetrics(font_).ascent();
     const auto paint = [&](const ViewText& text) {
-        painter.setClipRect(ToRect(Intersection(text.clip, text.place)));
+        const QRect place = ToRect(Intersection(text.clip, text.place));
+        if (!region.intersects(place)) {
+            return;
+        }
+        painter.setClipRect(place);
         painter.setPen(Entry(text.colour));
         painter.drawText(text.place.left, text.place.top + ascent, ToText(text.text));
     };

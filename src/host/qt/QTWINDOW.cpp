@@ -351,6 +351,14 @@ void QtWindow::InvalidateFrame(const PixelRect& rect) {
     Renew(ToRect(rect));
 }
 
+QRegion QtWindow::PixelsOf(const QRegion& cells) const {
+    QRegion pixels;
+    for (const QRect& rect : cells) {
+        pixels += FromGrid(grid_, rect);
+    }
+    return pixels;
+}
+
 void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
     const QRgb colour = qRgb(red, green, blue);
     QRgb& entry = palette_[static_cast<std::size_t>(index & 15)];
@@ -358,11 +366,9 @@ void QtWindow::SetPalette(std::int32_t index, std::uint8_t red, std::uint8_t gre
         return;
     }
     entry = colour;
-    const PixelRect recoloured = RecolourPicture(static_cast<std::uint8_t>(index & 15));
-    if (!IsEmpty(recoloured)) {
-        unseen_ += ToRect(recoloured);
-        Renew(ToRect(recoloured));
-    }
+    const QRegion recoloured = RecolourPicture(static_cast<std::uint8_t>(index & 15));
+    unseen_ += recoloured;
+    update(PixelsOf(recoloured));
     if (index != PULSE_ENTRY) {
         update();  // panes and texts of that colour too
         return;
@@ -405,11 +411,7 @@ bool QtWindow::TellChange(Dialog& dialog, std::int32_t row) {
         QCoreApplication::instance()->removeEventFilter(this);
     }
     if (!unseen_.isEmpty()) {
-        QRegion region;
-        for (const QRect& rect : unseen_) {
-            region += FromGrid(grid_, rect);
-        }
-        repaint(region);
+        repaint(PixelsOf(unseen_));
     }
     return goesOn;
 }

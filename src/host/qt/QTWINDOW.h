@@ -10,6 +10,7 @@
 #include <QWidget>
 #include <array>
 #include <deque>
+#include <vector>
 
 #include "host/WINDOW.h"
 #include "host/qt/PIXELGRID.h"
@@ -72,6 +73,7 @@ class QtWindow final : public QWidget, public Window {
     // The grid, the font and what the host lays out on them, for the window as it is now.
     void Measure();
     void Renew(const QRect& cells) { update(FromGrid(grid_, cells)); }
+    QRegion PixelsOf(const QRegion& cells) const;
     QPoint CellOfPointer(QPointF rounded) const;
     void TakePlace(QPointF rounded);
     void TakeMouse(const QMouseEvent& event);
@@ -80,9 +82,9 @@ class QtWindow final : public QWidget, public Window {
     void PutKey(std::int32_t code);
     // Bring the picture up to date: in an area, and where pixels are of an entry that has changed.
     void ExpandPicture(const QRect& area);
-    PixelRect RecolourPicture(std::uint8_t entry);
+    QRegion RecolourPicture(std::uint8_t entry);
     void PaintPicture(QPainter& painter, const QRegion& region);
-    void PaintTexts(QPainter& painter);
+    void PaintTexts(QPainter& painter, const QRegion& region);
     void PaintList(QPainter& painter);
     void PaintButtons(QPainter& painter);
     void PaintStatus(QPainter& painter);
@@ -117,11 +119,12 @@ class QtWindow final : public QWidget, public Window {
     std::int32_t wheelRest_ = 0;  // eighths of a degree not yet a whole turn
     FramePalette palette_{};
     PixelGrid grid_;
-    QFont font_;       // of the panes, in cells
-    QFont labelFont_;  // of the buttons, whose size in cells is always the same
-    QImage picture_;   // the frame in 32 bits
-    QRegion stale_;    // what of the picture is not as the frame is, in cells
-    QRegion unseen_;   // what of the frame, or of its colours, changed and is not painted yet, in cells
+    QFont font_;                         // of the panes, in cells
+    QFont labelFont_;                    // of the buttons, whose size in cells is always the same
+    QImage picture_;                     // the frame in 32 bits
+    std::vector<PixelRect> recoloured_;  // by the last change of a palette entry, in cells
+    QRegion stale_;                      // what of the picture is not as the frame is, in cells
+    QRegion unseen_;  // what of the frame, or of its colours, changed and is not painted yet, in cells
     std::int32_t characterWidth_ = 8, lineHeight_ = 16;
     bool hosted_ = false;
 };

@@ -195,33 +195,41 @@ TEST(Frame, AChangedEntryIsSeenEverywhereAndPixelsOutsideItsRectangleStay) {
         f.palette[entry] ^= 0x00FF00FF;
         f.ExpandPlainly(f.frame.Bounds());
         const auto before = f.picture;
-        const PixelRect changed = RecolourFrame(f.frame, entry, f.palette, f.picture.data(), f.stride);
+        std::vector<PixelRect> changed;
+        RecolourFrame(f.frame, entry, f.palette, f.picture.data(), f.stride, changed);
         ASSERT_EQ(f.picture, f.wanted) << round;
-        ASSERT_EQ(IsEmpty(changed), count == 0);
+        ASSERT_EQ(changed.empty(), count == 0);
         for (std::size_t i = 0; i < before.size(); ++i) {
             const auto x = static_cast<std::int32_t>(i) % f.stride,
                        y = static_cast<std::int32_t>(i) / f.stride;
-            const bool inside =
-                x >= changed.left && x < changed.right && y >= changed.top && y < changed.bottom;
+            const bool inside = std::ranges::any_of(changed, [x, y](const PixelRect& rect) {
+                return x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
+            });
             ASSERT_TRUE(inside || f.picture[i] == before[i]) << round;
         }
     }
 }
 TEST(Frame, AChangedEntryLeavesAloneWhatLiesFarFromItsPixels) {
     FrameBuffer frame;
-    frame.Resize(1000, 10);
+    frame.Resize(1000, 40);
     FramePalette palette{};
     palette[3] = 7;
-    std::vector<std::uint32_t> picture(1000 * 10, 5);
-    EXPECT_TRUE(IsEmpty(RecolourFrame(frame, 3, palette, picture.data(), 1000)));
-    frame.Row(0)[999] = frame.Row(7)[5] = 3;
-    const PixelRect changed = RecolourFrame(frame, 3, palette, picture.data(), 1000);
-    EXPECT_EQ(changed.left, 5);
-    EXPECT_EQ(changed.top, 0);
-    EXPECT_EQ(changed.right, 1000);
-    EXPECT_EQ(changed.bottom, 8);
+    std::vector<std::uint32_t> picture(1000 * 40, 5);
+    std::vector<PixelRect> changed{{1, 2, 3, 4}};
+    RecolourFrame(frame, 3, palette, picture.data(), 1000, changed);
+    EXPECT_TRUE(changed.empty());
+    frame.Row(0)[999] = frame.Row(7)[5] = frame.Row(8)[200] = frame.Row(39)[500] = 3;
+    RecolourFrame(frame, 3, palette, picture.data(), 1000, changed);
+    ASSERT_EQ(changed.size(), 3U);  // neighbours are one
+    const auto is = [](const PixelRect& rect, int left, int top, int right, int bottom) {
+        return rect.left == left && rect.top == top && rect.right == right && rect.bottom == bottom;
+    };
+    EXPECT_TRUE(is(changed[0], 0, 0, 256, 32));
+    EXPECT_TRUE(is(changed[1], 896, 0, 1000, 32));
+    EXPECT_TRUE(is(changed[2], 384, 32, 512, 40));
     EXPECT_EQ(picture[999], 7U);
     EXPECT_EQ(picture[7005], 7U);
+    EXPECT_EQ(picture[39500], 7U);
     EXPECT_EQ(picture[998], 5U);
     EXPECT_EQ(picture[7004], 5U);
     EXPECT_EQ(picture[7500], 5U);
