@@ -36,6 +36,14 @@ box='answer 0 100
 button 1
 menu 3 2
 wait 1'
+# keep_a_box: a box is made and kept, and then the end comes.
+keep_a_box() {
+    session '' <<EOF
+$box
+wait 60001
+key KEY_F15
+EOF
+}
 
 # A box is made; the sudden end comes after a minute, and a later change is lost, no more.
 session '' <<EOF
@@ -154,11 +162,7 @@ close
 EOF
 
 # What can be read of a faulty copy comes back, but the copy stays as it is until it is thrown away.
-session '' <<EOF
-$box
-wait 60001
-key KEY_F15
-EOF
+keep_a_box
 head -n 20 .quelmark-1.suf > kept.suf
 cp kept.suf .quelmark-1.suf
 session "$folder/.quelmark-1.suf 21 : エンドオブファイルになりました   next token=
@@ -174,11 +178,7 @@ cmp -s kept.suf .quelmark-1.suf || { echo "a faulty copy is not as it was"; fail
 [ -e .quelmark-2.suf ] && { echo "a copy is left"; failures=1; }
 
 # Discarded.
-session '' <<EOF
-$box
-wait 60001
-key KEY_F15
-EOF
+keep_a_box
 session 'polygons 0 FALSE []' <<EOF
 button 1
 key KEY_F14
@@ -215,11 +215,7 @@ close
 EOF
 
 # While another program holds the copy it is not offered.
-session '' <<EOF
-$box
-wait 60001
-key KEY_F15
-EOF
+keep_a_box
 exec 9> .quelmark-1.lock
 flock 9
 session 'polygons 0 FALSE []' <<EOF
