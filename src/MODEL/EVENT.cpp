@@ -1,5 +1,7 @@
 #include "MODEL/EVENT.h"
 
+#include <utility>
+
 #include "ML/ERROR.h"
 #include "ML/FUNC.h"
 #include "ML/STRING.h"
@@ -123,7 +125,18 @@ std::int32_t CallKeyEvent(std::int32_t, std::int32_t argc, DataCell* argv) {
     return RESULT;
 }
 
-// MouseX, MouseY, MouseButton, PressEvent and WheelEvent let scripts drag and zoom at the pointer.
+// What the wheel has turned in a wait of a script's own.
+std::int32_t CallWheelEvent(std::int32_t, std::int32_t, DataCell*) {
+    const std::int32_t turns = std::exchange(Input.wheel, 0);
+    if (turns != 0) {
+        CallHandler(Handlers.wheel, {turns, Input.shift});
+    }
+    StackPushBool(turns != 0);
+    return RESULT;
+}
+
+// MouseX, MouseY, MouseButton, PressEvent, WheelEvent and CallWheelEvent let scripts drag and zoom at the
+// pointer.
 constexpr BuiltIn FUNCTIONS[] = {
     {"", "MouseMove", MouseMove, Takes("MouseMove", {})},
     {"", "KeyCode", Give<&CurrentInput::keyCode>, Takes("KeyCode", {})},
@@ -137,6 +150,7 @@ constexpr BuiltIn FUNCTIONS[] = {
     {"", "MouseButton", MouseButton, Takes("MouseButton", {})},
     {"", "PressEvent", SetHandler<&InputHandlers::press>, Takes("PressEvent", {TYPE_FUNC})},
     {"", "WheelEvent", SetHandler<&InputHandlers::wheel>, Takes("WheelEvent", {TYPE_FUNC})},
+    {"", "CallWheelEvent", CallWheelEvent, Takes("CallWheelEvent", {})},
     {"", "TimedEvent", TimedEvent},
     {"", "DropEvent", DropEvent, Takes("DropEvent", {TYPE_FUNC}, 0)},
     {"", "ErrorEvent", ErrorEvent, Takes("ErrorEvent", {TYPE_FUNC}, 0)},
