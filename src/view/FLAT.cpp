@@ -138,11 +138,14 @@ void DrawOutline(const PolygonRecord& polygon, unsigned seen, std::uint8_t colou
     const std::int32_t count = polygon.vers;
     ScaleAll(polygon);
     for (int i = 0; i < FlatShown.views; ++i) {
+        if ((seen >> i & 1U) == 0) {
+            continue;
+        }
         const FlatView& view = views[i];
         const std::int64_t* const right = pixels[view.right];
         const std::int64_t* const up = pixels[view.up];
         PanePoint previous{view.centreX + right[count - 1], view.centreY - up[count - 1]};
-        for (std::int32_t k = 0; (seen >> i & 1U) != 0 && k < count; ++k) {
+        for (std::int32_t k = 0; k < count; ++k) {
             const PanePoint next{view.centreX + right[k], view.centreY - up[k]};
             DrawLine(ViewFrame, view.clip, previous, next, colour);
             previous = next;

@@ -56,8 +56,6 @@ void DrawLineInside(FrameBuffer& frame, std::int32_t x0, std::int32_t y0, std::i
 
 // The closed outline of four points, inside `clip`; the points lie within ±2^29.
 void DrawQuad(FrameBuffer& frame, const PixelRect& clip, Lanes x, Lanes y, std::uint8_t colour);
-// The same for one that lies within the frame altogether.
-void DrawQuadInside(FrameBuffer& frame, Lanes x, Lanes y, std::uint8_t colour);
 
 // What the palette's entries look like as 32-bit pixels.
 using FramePalette = std::array<std::uint32_t, 16>;
